@@ -1,0 +1,36 @@
+# What every target of ours is compiled with, and the functions that make one.
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+add_library(murkwell_options INTERFACE)
+target_compile_features(murkwell_options INTERFACE cxx_std_20)
+target_include_directories(murkwell_options INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(murkwell_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+    $<$<CXX_COMPILER_ID:GNU>:-Wsuggest-override>
+    $<$<CXX_COMPILER_ID:Clang>:-Wsuggest-override -Wno-missing-field-initializers>
+    $<$<BOOL:${MURKWELL_WARNINGS_AS_ERRORS}>:-Werror>)
+if(MURKWELL_SANITIZE)
+    target_compile_options(murkwell_options INTERFACE
+        -fsanitize=${MURKWELL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(murkwell_options INTERFACE -fsanitize=${MURKWELL_SANITIZE})
+endif()
+if(MURKWELL_BUILD_FUZZERS)
+    # Coverage for the fuzzer in every library; only the targets link its main.
+    target_compile_options(murkwell_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+# murkwell_library(core SOURCES ... [LINKS ...] [SYSTEM_LINKS ...])
+# A static library murkwell_<name>. LINKS are public; libraries of others go into SYSTEM_LINKS and
+# stay private, so that no layer above can include their headers by accident.
+function(murkwell_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;SYSTEM_LINKS" ${ARGN})
+    add_library(murkwell_${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(murkwell_${name}
+        PUBLIC murkwell_options ${ARG_LINKS}
+        PRIVATE ${ARG_SYSTEM_LINKS})
+endfunction()

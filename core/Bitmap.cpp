@@ -1,0 +1,95 @@
+#include "core/Bitmap.h"
+
+#include <atomic>
+#include <cstring>
+#include <new>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace murkwell {
+namespace {
+
+// From this size on, pages of 2 MiB spare a page fault for every 4 KiB that is touched.
+constexpr std::size_t hugePageSize = std::size_t{2} << 20;
+
+std::size_t sizeInBytes(std::size_t pixels) {
+    return pixels * sizeof(Rgba);
+}
+
+// Linux lends more memory than there is and kills whoever then touches it. A document of a few
+// kilobytes can ask for hundreds of huge pages, so living bitmaps are counted here and refused
+// while the program can still say so.
+class Budget {
+public:
+    bool take(std::size_t bytes) {
+        if (taken.fetch_add(bytes) + bytes <= limit) {
+            return true;
+        }
+        giveBack(bytes);
+        return false;
+    }
+
+    void giveBack(std::size_t bytes) { taken.fetch_sub(bytes); }
+
+private:
+    static std::size_t physicalMemory() {
+        return static_cast<std::size_t>(::sysconf(_SC_PHYS_PAGES)) *
+               static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    }
+
+    const std::size_t limit = physicalMemory() / 4 * 3;
+    std::atomic<std::size_t> taken{0};
+};
+
+Budget& budget() {
+    static Budget shared;
+    return shared;
+}
+
+// Zeroed memory from the kernel, or null.
+void* map(std::size_t bytes) {
+    void* const memory =
+        ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) {
+        return nullptr;
+    }
+    if (bytes >= hugePageSize) {
+        ::madvise(memory, bytes, MADV_HUGEPAGE);
+    }
+    return memory;
+}
+
+} // namespace
+
+std::shared_ptr<Bitmap> Bitmap::create(int width, int height) {
+    if (width < 1 || height < 1 || std::int64_t{width} * height > maxPixels) {
+        return nullptr;
+    }
+    const std::size_t bytes =
+        sizeInBytes(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    if (!budget().take(bytes)) {
+        return nullptr;
+    }
+    void* const memory = map(bytes);
+    if (memory == nullptr) {
+        budget().giveBack(bytes);
+        return nullptr;
+    }
+    return std::shared_ptr<Bitmap>(new Bitmap(width, height, static_cast<Rgba*>(memory)));
+}
+
+std::shared_ptr<Bitmap> Bitmap::copy(const Bitmap& source) {
+    auto result = create(source.width(), source.height());
+    if (result) {
+        std::memcpy(result->data, source.data, source.pixels().size_bytes());
+    }
+    return result;
+}
+
+Bitmap::~Bitmap() {
+    const std::size_t bytes = sizeInBytes(pixelCount());
+    ::munmap(data, bytes);
+    budget().giveBack(bytes);
+}
+
+} // namespace murkwell

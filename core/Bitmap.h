@@ -1,0 +1,72 @@
+// The one internal form of a page or picture: 8-bit premultiplied RGBA in sRGB.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace murkwell {
+
+struct Rgba {
+    std::uint8_t r;
+    std::uint8_t g;
+    std::uint8_t b;
+    std::uint8_t a;
+
+    bool operator==(const Rgba&) const = default;
+};
+static_assert(sizeof(Rgba) == 4);
+
+class Bitmap;
+
+// How pages travel: shared and immutable. Null stands for "no bitmap".
+using BitmapRef = std::shared_ptr<const Bitmap>;
+
+// Rows follow each other without padding, the top row first. Whoever makes a bitmap fills it
+// through the non-const reference and then lets it go as a BitmapRef.
+class Bitmap {
+public:
+    // Most pixels a bitmap can have: 2 GiB of them.
+    static constexpr std::int64_t maxPixels = std::int64_t{1} << 29;
+
+    // Transparent black. Null when a side is below 1 or when memory runs out, which is judged
+    // before the kernel would have to: all living bitmaps together may fill three quarters of the
+    // machine's memory.
+    [[nodiscard]] static std::shared_ptr<Bitmap> create(int width, int height);
+
+    [[nodiscard]] static std::shared_ptr<Bitmap> copy(const Bitmap& source);
+
+    ~Bitmap();
+    Bitmap(const Bitmap&) = delete;
+    Bitmap& operator=(const Bitmap&) = delete;
+
+    [[nodiscard]] int width() const { return width_; }
+    [[nodiscard]] int height() const { return height_; }
+
+    [[nodiscard]] std::span<const Rgba> pixels() const { return {data, pixelCount()}; }
+    [[nodiscard]] std::span<Rgba> pixels() { return {data, pixelCount()}; }
+
+    [[nodiscard]] std::span<const Rgba> row(int y) const {
+        return pixels().subspan(rowStart(y), static_cast<std::size_t>(width_));
+    }
+    [[nodiscard]] std::span<Rgba> row(int y) {
+        return pixels().subspan(rowStart(y), static_cast<std::size_t>(width_));
+    }
+
+private:
+    Bitmap(int width, int height, Rgba* zeroed) : width_(width), height_(height), data(zeroed) {}
+
+    [[nodiscard]] std::size_t pixelCount() const {
+        return static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_);
+    }
+    [[nodiscard]] std::size_t rowStart(int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_);
+    }
+
+    int width_;
+    int height_;
+    Rgba* data;
+};
+
+} // namespace murkwell

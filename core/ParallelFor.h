@@ -1,0 +1,17 @@
+// Runs independent jobs on all processors this process may use.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+namespace murkwell {
+
+// Processors in this process's affinity mask, at least 1.
+[[nodiscard]] std::size_t availableProcessors();
+
+// Calls job(0) ... job(count - 1), each once, the calling thread among the workers; returns when
+// all have returned. Low indices start first. The job may run on several threads at once and must
+// not throw.
+void parallelFor(std::size_t count, const std::function<void(std::size_t)>& job);
+
+} // namespace murkwell

@@ -1,0 +1,38 @@
+// From a page bitmap to boxes over what is sensitive in it. Stateless; a call may run on any
+// thread.
+#pragma once
+
+#include "core/Redaction.h"
+#include "detect/PIIKind.h"
+#include "detect/Recognition.h"
+
+#include <string_view>
+#include <vector>
+
+namespace murkwell {
+
+class RandomSource;
+
+namespace Detector {
+
+// The engines behind a search, and the source of box identities. Referred to, not owned.
+struct Engines {
+    TextRecognizer& textRecognizer;
+    FaceDetector& faceDetector;
+    RandomSource& random;
+};
+
+// A box, marked as detected, for every match of every kind; matches in text come before faces.
+// Text is read only when a kind has a pattern. A failing engine gives fewer boxes, never an error.
+[[nodiscard]] std::vector<Redaction> detect(const Bitmap& image, const PIIKinds& kinds,
+                                            RedactionStyle style, const Engines& engines);
+
+// A box, marked as detected, for every occurrence of the query (UTF-8) in the text of the page:
+// as typed but for letter case, or, when fuzzy, every word close to one of its words. A query of
+// white space finds nothing and nothing is read.
+[[nodiscard]] std::vector<Redaction> findMatches(std::string_view query, const Bitmap& image,
+                                                 bool fuzzy, RedactionStyle style,
+                                                 const Engines& engines);
+
+} // namespace Detector
+} // namespace murkwell

@@ -1,0 +1,69 @@
+// From a source file to page bitmaps, and from page bitmaps and boxes to a flattened file.
+// Stateless; every call is synchronous.
+#pragma once
+
+#include "core/Redaction.h"
+#include "io/ContentType.h"
+#include "io/ImageCodec.h"
+#include "io/PdfRenderer.h"
+#include "io/PdfWriter.h"
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace murkwell {
+
+class RandomSource;
+
+namespace DocumentIO {
+
+struct Page {
+    BitmapRef image; // never null
+};
+
+// A plain value: copies share the page bitmaps.
+struct Document {
+    std::filesystem::path url; // need not exist when the document was loaded from bytes
+    bool isPDF;
+    ContentType imageType;   // PDF when isPDF
+    std::vector<Page> pages; // never empty; one page unless isPDF
+};
+
+// The libraries behind loading and export. Referred to, not owned.
+struct Engines {
+    PdfRenderer& pdfRenderer;
+    PdfWriter& pdfWriter;
+    ImageCodec& imageCodec;
+    RandomSource& random;
+};
+
+// The image types that are accepted as sources, in the order in which they are offered.
+[[nodiscard]] const std::array<ContentType, 7>& imageTypes();
+
+// The type of our own saved documents.
+[[nodiscard]] const ContentType& sessionType();
+
+// The name alone decides whether the bytes are read as a PDF or as a picture. PDF pages that cannot
+// be rendered are left out and those behind them move up. None when nothing can be shown.
+[[nodiscard]] std::optional<Document> load(const std::filesystem::path& url,
+                                           const Engines& engines);
+[[nodiscard]] std::optional<Document> load(std::span<const std::byte> data,
+                                           const std::filesystem::path& nominalURL,
+                                           const Engines& engines);
+
+// Burns every page and writes the result: a PDF of page images, or one picture in the source's own
+// format where that can be written. Lists beyond the last page are ignored; pages without a list
+// have no boxes. False on any failure, and what stood at the destination is then as it was. The
+// source file is never written to, so a destination that is the source fails too.
+[[nodiscard]] bool write(const Document& document,
+                         std::span<const std::vector<Redaction>> redactionsByPage,
+                         const std::filesystem::path& destination, const Engines& engines);
+
+// Beside the source: its base name, "-redacted." and the extension of what write() makes.
+[[nodiscard]] std::filesystem::path defaultOutputURL(const Document& document);
+
+} // namespace DocumentIO
+} // namespace murkwell

@@ -1,0 +1,102 @@
+#include "io/DocumentIO.h"
+
+#include "core/ParallelFor.h"
+#include "core/RedactionEngine.h"
+#include "io/FileAccess.h"
+#include "io/FileName.h"
+
+#include <algorithm>
+#include <string>
+
+namespace murkwell::DocumentIO {
+namespace {
+
+using Bytes = std::vector<std::byte>;
+
+constexpr double jpegQuality = 0.92;
+
+// One fresh bitmap per page, in order. None when any page cannot be burned.
+std::optional<std::vector<BitmapRef>>
+burnPages(const Document& document, std::span<const std::vector<Redaction>> redactionsByPage,
+          RandomSource& random) {
+    std::vector<BitmapRef> burned(document.pages.size());
+    parallelFor(burned.size(), [&](std::size_t i) {
+        std::span<const Redaction> redactions;
+        if (i < redactionsByPage.size()) {
+            redactions = redactionsByPage[i];
+        }
+        burned[i] = RedactionEngine::burn(*document.pages[i].image, redactions, random);
+    });
+    if (burned.empty() || std::ranges::count(burned, nullptr) > 0) {
+        return std::nullopt;
+    }
+    return burned;
+}
+
+ContentType writableType(const ContentType& source, const ImageCodec& codec) {
+    const auto writable = codec.encodableTypes();
+    const auto canWrite = [&](const ContentType& type) {
+        return std::ranges::count(writable, type.identifier()) > 0;
+    };
+    if (canWrite(source)) {
+        return source;
+    }
+    if (source.conformsTo(ContentType::jpeg) && canWrite(ContentType::jpeg)) {
+        return ContentType::jpeg;
+    }
+    return ContentType::png;
+}
+
+bool writeIfEncoded(const std::optional<Bytes>& bytes, const std::filesystem::path& destination) {
+    return bytes && writeFileAtomically(destination, *bytes);
+}
+
+bool writeImage(const Bitmap& image, const std::filesystem::path& destination,
+                const ContentType& requestedType, ImageCodec& codec) {
+    const ContentType type = writableType(requestedType, codec);
+    const auto quality =
+        type == ContentType::jpeg ? std::optional<double>(jpegQuality) : std::nullopt;
+    return writeIfEncoded(codec.encode(image, type, quality), destination);
+}
+
+bool writePDF(std::vector<BitmapRef> pages, const std::filesystem::path& destination,
+              PdfWriter& writer) {
+    return writeIfEncoded(writer.encode(std::move(pages)), destination);
+}
+
+bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
+    std::error_code ignored;
+    return std::filesystem::equivalent(a, b, ignored);
+}
+
+} // namespace
+
+bool write(const Document& document, std::span<const std::vector<Redaction>> redactionsByPage,
+           const std::filesystem::path& destination, const Engines& engines) {
+    if (isSameFile(document.url, destination)) {
+        return false;
+    }
+    auto burned = burnPages(document, redactionsByPage, engines.random);
+    if (!burned) {
+        return false;
+    }
+    if (document.isPDF) {
+        return writePDF(std::move(*burned), destination, engines.pdfWriter);
+    }
+    return writeImage(*burned->front(), destination, document.imageType, engines.imageCodec);
+}
+
+std::filesystem::path defaultOutputURL(const Document& document) {
+    const std::string spelled = pathExtension(document.url);
+    std::string extension;
+    if (document.isPDF) {
+        extension = "pdf";
+    } else if (!spelled.empty()) {
+        extension = spelled;
+    } else {
+        extension = document.imageType.preferredFilenameExtension().value_or("png");
+    }
+    return document.url.parent_path() / (baseName(document.url) + "-redacted." + extension);
+}
+
+} // namespace murkwell::DocumentIO

@@ -1,0 +1,160 @@
+#include "io/FileAccess.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace murkwell {
+namespace {
+
+namespace fs = std::filesystem;
+
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int descriptor) : value(descriptor) {}
+    ~FileDescriptor() { (void)close(); }
+    FileDescriptor(FileDescriptor&& other) noexcept : value(std::exchange(other.value, -1)) {}
+    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(FileDescriptor&&) = delete;
+
+    [[nodiscard]] bool isOpen() const { return value >= 0; }
+    [[nodiscard]] int get() const { return value; }
+
+    // Some file systems report a failed write only here.
+    [[nodiscard]] bool close() {
+        const int descriptor = std::exchange(value, -1);
+        return descriptor < 0 || ::close(descriptor) == 0;
+    }
+
+private:
+    int value;
+};
+
+bool readAll(int descriptor, std::vector<std::byte>& bytes) {
+    std::size_t filled = 0;
+    for (;;) {
+        if (filled == bytes.size()) {
+            bytes.resize(filled + filled / 2 + (std::size_t{64} << 10));
+        }
+        const ssize_t count = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        if (count == 0) {
+            bytes.resize(filled);
+            return true;
+        }
+        filled += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    }
+}
+
+bool writeAll(int descriptor, std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        bytes = bytes.subspan(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
+    return true;
+}
+
+bool writeDirectly(const fs::path& location, std::span<const std::byte> bytes) {
+    FileDescriptor file(::open(location.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    return file.isOpen() && writeAll(file.get(), bytes) && file.close();
+}
+
+// Makes a rename in this folder survive a power cut. The file itself is already complete, so a
+// file system that cannot do it is no failure.
+void syncFolder(const fs::path& folder) {
+    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor.isOpen()) {
+        (void)::fsync(descriptor.get());
+    }
+}
+
+// A new file beside the target, for this process alone. Its short name fits wherever the target's
+// does. Empty path on failure.
+std::pair<FileDescriptor, fs::path> createTemporary(const fs::path& folder) {
+    constexpr int attempts = 100;
+    for (int i = 0; i < attempts; ++i) {
+        const fs::path path =
+            folder / (".murkwell-" + std::to_string(::getpid()) + "-" + std::to_string(i));
+        FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        if (file.isOpen()) {
+            return {std::move(file), path};
+        }
+        if (errno != EEXIST) {
+            break;
+        }
+    }
+    return {FileDescriptor(-1), fs::path()};
+}
+
+// Permissions: those of the file that is replaced; none for a new file, which gets the usual ones.
+bool replaceFile(const fs::path& target, std::optional<mode_t> permissions,
+                 std::span<const std::byte> bytes) {
+    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
+    auto [file, temporary] = createTemporary(folder);
+    if (!file.isOpen()) {
+        return false;
+    }
+    const bool replaced = writeAll(file.get(), bytes) &&
+                          (!permissions || ::fchmod(file.get(), *permissions) == 0) &&
+                          ::fsync(file.get()) == 0 && file.close() &&
+                          ::rename(temporary.c_str(), target.c_str()) == 0;
+    if (!replaced) {
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    syncFolder(folder);
+    return true;
+}
+
+} // namespace
+
+std::optional<std::vector<std::byte>> readFile(const fs::path& location) {
+    // Without O_NONBLOCK, opening a pipe would wait for somebody to write to it.
+    const FileDescriptor file(
+        ::open(location.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    struct stat status {};
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    try {
+        // One byte more than the size, so that the read that finds the end needs no new memory.
+        std::vector<std::byte> bytes(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) +
+                                     1);
+        if (!readAll(file.get(), bytes)) {
+            return std::nullopt;
+        }
+        return bytes;
+    } catch (const std::bad_alloc&) {
+        return std::nullopt;
+    } catch (const std::length_error&) {
+        return std::nullopt;
+    }
+}
+
+bool writeFileAtomically(const fs::path& location, std::span<const std::byte> bytes) {
+    std::error_code error;
+    const fs::path resolved = fs::canonical(location, error);
+    struct stat status {};
+    if (error || ::stat(resolved.c_str(), &status) != 0) {
+        return replaceFile(location, std::nullopt, bytes);
+    }
+    if (S_ISREG(status.st_mode)) {
+        return replaceFile(resolved, status.st_mode & 07777, bytes);
+    }
+    return !S_ISDIR(status.st_mode) && writeDirectly(resolved, bytes);
+}
+
+} // namespace murkwell

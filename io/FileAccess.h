@@ -1,0 +1,22 @@
+// Whole files in and out.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace murkwell {
+
+// None when the location is no readable regular file or does not fit into memory.
+[[nodiscard]] std::optional<std::vector<std::byte>> readFile(const std::filesystem::path& location);
+
+// Replaces the file at the location as a whole: it holds either its old bytes or all the new ones,
+// also after a power cut. A symbolic link stays and its target is replaced; the permissions of a
+// replaced file are kept. A device or pipe is written to directly. False on any failure, and the
+// file is then as it was.
+[[nodiscard]] bool writeFileAtomically(const std::filesystem::path& location,
+                                       std::span<const std::byte> bytes);
+
+} // namespace murkwell

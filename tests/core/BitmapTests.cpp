@@ -1,0 +1,60 @@
+#include "core/Bitmap.h"
+
+#include "core/ParallelFor.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <limits>
+#include <vector>
+
+namespace murkwell {
+namespace {
+
+TEST(Bitmap, StartsTransparentAndRowsFollowEachOther) {
+    const auto bitmap = Bitmap::create(7, 3);
+    ASSERT_TRUE(bitmap);
+    EXPECT_EQ(std::ranges::count(bitmap->pixels(), Rgba{0, 0, 0, 0}), 21);
+    bitmap->row(2)[6] = {1, 2, 3, 4};
+    EXPECT_EQ(bitmap->pixels().back(), (Rgba{1, 2, 3, 4}));
+}
+
+TEST(Bitmap, CopyIsEqualAndSeparate) {
+    const auto original = Bitmap::create(2000, 700); // large enough for huge pages
+    ASSERT_TRUE(original);
+    original->row(699)[1999] = {9, 8, 7, 255};
+    const auto copy = Bitmap::copy(*original);
+    ASSERT_TRUE(copy);
+    EXPECT_TRUE(std::ranges::equal(copy->pixels(), original->pixels()));
+    original->row(0)[0] = {1, 1, 1, 1};
+    EXPECT_EQ(copy->row(0)[0], (Rgba{0, 0, 0, 0}));
+}
+
+TEST(Bitmap, NoneForAnEmptyOrImpossibleSize) {
+    constexpr int most = std::numeric_limits<int>::max();
+    for (const auto& [width, height] : std::vector<std::pair<int, int>>{
+             {0, 0}, {0, 5}, {5, 0}, {-1, 5}, {most, most}, {most, 1}, {1 << 15, (1 << 14) + 1}}) {
+        EXPECT_FALSE(Bitmap::create(width, height)) << width << " x " << height;
+    }
+}
+
+TEST(Bitmap, RefusesBeforeTheMachineRunsOutAndRecovers) {
+    // Untouched, so that the test itself takes no memory.
+    std::vector<BitmapRef> many;
+    while (const auto next = Bitmap::create(1 << 15, 1 << 14)) {
+        many.push_back(next);
+        ASSERT_LT(many.size(), 10000U) << "never refused";
+    }
+    many.clear();
+    EXPECT_TRUE(Bitmap::create(64, 64));
+}
+
+TEST(ParallelFor, EveryJobRunsOnce) {
+    for (const std::size_t count : {0U, 1U, 2U, 1000U}) {
+        std::vector<int> runs(count, 0);
+        parallelFor(count, [&](std::size_t i) { ++runs[i]; });
+        EXPECT_EQ(std::ranges::count(runs, 1), static_cast<std::ptrdiff_t>(count));
+    }
+}
+
+} // namespace
+} // namespace murkwell
