@@ -1,0 +1,136 @@
+#include "platform/pdf/MuPdf.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <malloc.h>
+
+namespace murkwell {
+namespace {
+
+constexpr std::size_t kibibyte = 1024;
+constexpr std::size_t mebibyte = 1024 * kibibyte;
+
+// Smaller blocks are not counted: there are very many, on all threads at once.
+constexpr std::size_t largeBlock = 64 * kibibyte;
+
+// Decoded images and glyphs kept for the next page. More does not make text pages faster.
+constexpr std::size_t storeSize = 64 * mebibyte;
+
+// How much of the file MuPDF gets at a time. Small enough that a stream which unpacks to a
+// thousand times its size comes by here often.
+constexpr std::size_t windowSize = 16 * kibibyte;
+
+void ignoreMessage(void*, const char*) {}
+
+std::size_t countedSize(void* block) {
+    const std::size_t size = ::malloc_usable_size(block);
+    return size < largeBlock ? 0 : size;
+}
+
+// The state of a stream over the bytes of a file.
+struct Source {
+    std::span<const std::byte> bytes;
+    const MuPdfContext* owner;
+};
+
+// Shows the window that starts at `position`. MuPDF only reads through the pointers, which are not
+// const for streams that fill a buffer of their own.
+void showWindow(fz_stream* stream, std::size_t position) {
+    const auto& source = *static_cast<const Source*>(stream->state);
+    const std::size_t length = std::min(windowSize, source.bytes.size() - position);
+    const auto* const start =
+        reinterpret_cast<const unsigned char*>(source.bytes.data()) + position;
+    stream->rp = const_cast<unsigned char*>(start);
+    stream->wp = stream->rp + length;
+    stream->pos = static_cast<std::int64_t>(position + length);
+}
+
+int nextByte(fz_context* context, fz_stream* stream, std::size_t) {
+    const auto& source = *static_cast<const Source*>(stream->state);
+    if (source.owner->isInterrupted()) {
+        fz_throw(context, FZ_ERROR_GENERIC, "interrupted");
+    }
+    const auto position = static_cast<std::size_t>(stream->pos);
+    if (position >= source.bytes.size()) {
+        return EOF;
+    }
+    showWindow(stream, position);
+    return *stream->rp++;
+}
+
+void seek(fz_context*, fz_stream* stream, std::int64_t offset, int whence) {
+    const auto size =
+        static_cast<std::int64_t>(static_cast<const Source*>(stream->state)->bytes.size());
+    const std::int64_t base = whence == SEEK_END ? size : 0;
+    showWindow(stream, static_cast<std::size_t>(std::clamp<std::int64_t>(base + offset, 0, size)));
+}
+
+void dropSource(fz_context*, void* state) {
+    delete static_cast<Source*>(state);
+}
+
+} // namespace
+
+bool MuPdfMemory::admits(std::size_t size) const {
+    return size < largeBlock || (size <= mostInOne && taken <= mostInAll - size);
+}
+
+MuPdfContext::MuPdfContext(MuPdfMemory& sharedMemory) : memory(sharedMemory) {
+    const fz_alloc_context allocator{this, &allocate, &reallocate, &release};
+    context = fz_new_context(&allocator, nullptr, storeSize);
+    if (context != nullptr) {
+        fz_set_warning_callback(context, ignoreMessage, nullptr);
+        fz_set_error_callback(context, ignoreMessage, nullptr);
+    }
+}
+
+MuPdfContext::~MuPdfContext() {
+    fz_drop_context(context);
+}
+
+pdf_document* MuPdfContext::open(std::span<const std::byte> bytes) {
+    auto* const source = new Source{bytes, this};
+    fz_stream* stream = nullptr;
+    // On failure the stream's maker has already dropped the source.
+    if (!attempt(context, [&] { stream = fz_new_stream(context, source, nextByte, dropSource); })) {
+        return nullptr;
+    }
+    stream->seek = seek;
+    pdf_document* document = nullptr;
+    bool needsPassword = true;
+    const bool opened = attempt(context, [&] {
+        document = pdf_open_document_with_stream(context, stream);
+        needsPassword = pdf_needs_password(context, document) != 0;
+    });
+    fz_drop_stream(context, stream);
+    if (opened && !needsPassword) {
+        return document;
+    }
+    pdf_drop_document(context, document);
+    return nullptr;
+}
+
+void* MuPdfContext::allocate(void* self, std::size_t size) {
+    return reallocate(self, nullptr, size);
+}
+
+void* MuPdfContext::reallocate(void* self, void* block, std::size_t size) {
+    auto& context = *static_cast<MuPdfContext*>(self);
+    if (context.interrupted || !context.memory.admits(size)) {
+        return nullptr;
+    }
+    const std::size_t oldSize = countedSize(block);
+    void* const moved = std::realloc(block, size);
+    if (moved != nullptr) {
+        context.memory.replace(oldSize, countedSize(moved));
+    }
+    return moved;
+}
+
+void MuPdfContext::release(void* self, void* block) {
+    static_cast<MuPdfContext*>(self)->memory.replace(countedSize(block), 0);
+    std::free(block);
+}
+
+} // namespace murkwell
