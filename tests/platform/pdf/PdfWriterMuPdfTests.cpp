@@ -1,0 +1,60 @@
+#include "platform/pdf/PdfWriterMuPdf.h"
+
+#include "platform/pdf/PdfRendererMuPdf.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace murkwell {
+namespace {
+
+BitmapRef plain(int width, int height, Rgba colour) {
+    const auto page = Bitmap::create(width, height);
+    std::ranges::fill(page->pixels(), colour);
+    return page;
+}
+
+std::string text(const std::vector<std::byte>& bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+TEST(PdfWriterMuPdf, OnePagePerBitmapAtOnePointPerPixel) {
+    const std::vector<Rgba> colours{{255, 0, 0, 255}, {0, 0, 0, 255}, {1, 2, 3, 255}};
+    std::vector<BitmapRef> pages;
+    for (std::size_t i = 0; i < colours.size(); ++i) {
+        pages.push_back(plain(30 + static_cast<int>(i), 20, colours[i]));
+    }
+    const auto pdf = PdfWriterMuPdf().encode(pages);
+    ASSERT_TRUE(pdf);
+    const auto rendered = PdfRendererMuPdf().render(*pdf);
+    ASSERT_TRUE(rendered);
+    ASSERT_EQ(rendered->size(), colours.size());
+    for (std::size_t i = 0; i < colours.size(); ++i) {
+        const Bitmap& page = *rendered->at(i);
+        EXPECT_EQ(page.width(), 2 * pages[i]->width());
+        EXPECT_EQ(page.height(), 40);
+        EXPECT_EQ(std::ranges::count(page.pixels(), colours[i]), std::ssize(page.pixels()));
+    }
+}
+
+TEST(PdfWriterMuPdf, HoldsNothingButPagesAndIsTheSameEveryTime) {
+    const std::vector<BitmapRef> pages{plain(30, 20, {255, 0, 0, 255})};
+    const auto pdf = PdfWriterMuPdf().encode(pages);
+    ASSERT_TRUE(pdf);
+    for (const char* unwanted : {"/Info", "/ID", "/Metadata", "/Font", "Date", "Producer"}) {
+        EXPECT_EQ(text(*pdf).find(unwanted), std::string::npos) << unwanted;
+    }
+    EXPECT_EQ(PdfWriterMuPdf().encode(pages), pdf);
+}
+
+TEST(PdfWriterMuPdf, LetsGoOfThePagesItIsGiven) {
+    BitmapRef page = plain(30, 20, {255, 0, 0, 255});
+    const std::weak_ptr<const Bitmap> watched = page;
+    std::vector<BitmapRef> pages{std::move(page)};
+    EXPECT_TRUE(PdfWriterMuPdf().encode(std::move(pages)));
+    EXPECT_TRUE(watched.expired());
+}
+
+} // namespace
+} // namespace murkwell

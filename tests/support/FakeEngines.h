@@ -1,0 +1,83 @@
+// Stand-ins for the libraries behind loading and export. Each fails when told to.
+#pragma once
+
+#include "core/RandomSource.h"
+#include "io/DocumentIO.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+namespace murkwell {
+
+inline std::vector<std::byte> bytesOf(std::string_view text) {
+    std::vector<std::byte> bytes(text.size());
+    std::memcpy(bytes.data(), text.data(), text.size());
+    return bytes;
+}
+
+inline BitmapRef plainBitmap(int width, int height, Rgba colour = {200, 100, 50, 255}) {
+    const auto bitmap = Bitmap::create(width, height);
+    std::ranges::fill(bitmap->pixels(), colour);
+    return bitmap;
+}
+
+class FakePdfRenderer final : public PdfRenderer {
+public:
+    std::optional<std::vector<BitmapRef>> render(std::span<const std::byte>) override {
+        ++calls;
+        return pages;
+    }
+
+    std::optional<std::vector<BitmapRef>> pages;
+    int calls = 0;
+};
+
+class FakePdfWriter final : public PdfWriter {
+public:
+    std::optional<std::vector<std::byte>> encode(std::vector<BitmapRef> given) override {
+        pages = std::move(given);
+        return result;
+    }
+
+    std::vector<BitmapRef> pages;
+    std::optional<std::vector<std::byte>> result = bytesOf("a PDF");
+};
+
+class FakeImageCodec final : public ImageCodec {
+public:
+    std::optional<DecodedImage> decode(std::span<const std::byte>) override {
+        ++decodeCalls;
+        return decoded;
+    }
+
+    std::vector<std::string> encodableTypes() const override { return encodable; }
+
+    // Writes the type, the quality and the first pixel as text.
+    std::optional<std::vector<std::byte>> encode(const Bitmap& picture, const ContentType& type,
+                                                 std::optional<double> quality) override {
+        if (fails) {
+            return std::nullopt;
+        }
+        const Rgba pixel = picture.pixels().front();
+        return bytesOf(std::string(type.identifier()) + " " +
+                       (quality ? std::to_string(*quality).substr(0, 4) : "default") + " " +
+                       std::to_string(pixel.r));
+    }
+
+    std::optional<DecodedImage> decoded;
+    std::vector<std::string> encodable{"public.png", "public.jpeg", "public.tiff"};
+    bool fails = false;
+    int decodeCalls = 0;
+};
+
+struct FakeEngines {
+    FakePdfRenderer renderer;
+    FakePdfWriter writer;
+    FakeImageCodec codec;
+    SystemRandomSource random;
+
+    DocumentIO::Engines engines() { return {renderer, writer, codec, random}; }
+};
+
+} // namespace murkwell
