@@ -2,9 +2,10 @@
 
 #include <atomic>
 #include <cstring>
-#include <new>
+#include <mutex>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <utility>
 
 namespace murkwell {
 namespace {
@@ -59,9 +60,44 @@ void* map(std::size_t bytes) {
     return memory;
 }
 
+// The block that was let go last, for the next bitmap of that size: fresh memory has to be zeroed
+// by the kernel, which takes longer than copying a page into it.
+class SpareBlock {
+public:
+    // Null when there is none of this size.
+    void* take(std::size_t size) {
+        const std::lock_guard lock(mutex);
+        return size == bytes ? (bytes = 0, std::exchange(block, nullptr)) : nullptr;
+    }
+
+    // Keeps the block and lets go of the one kept before. A small one is cheap, a very large one
+    // too much to keep: they are let go at once.
+    void keep(void* memory, std::size_t size) {
+        constexpr std::size_t largestKept = std::size_t{32} << 20;
+        if (size >= hugePageSize && size <= largestKept) {
+            const std::lock_guard lock(mutex);
+            std::swap(memory, block);
+            std::swap(size, bytes);
+        }
+        if (memory != nullptr) {
+            ::munmap(memory, size);
+        }
+    }
+
+private:
+    std::mutex mutex;
+    void* block = nullptr;
+    std::size_t bytes = 0;
+};
+
+SpareBlock& spareBlock() {
+    static SpareBlock shared;
+    return shared;
+}
+
 } // namespace
 
-std::shared_ptr<Bitmap> Bitmap::create(int width, int height) {
+std::shared_ptr<Bitmap> Bitmap::allocate(int width, int height, Content content) {
     if (width < 1 || height < 1 || std::int64_t{width} * height > maxPixels) {
         return nullptr;
     }
@@ -70,7 +106,13 @@ std::shared_ptr<Bitmap> Bitmap::create(int width, int height) {
     if (!budget().take(bytes)) {
         return nullptr;
     }
-    void* const memory = map(bytes);
+    void* memory = spareBlock().take(bytes);
+    if (memory != nullptr && content == Content::zero) {
+        std::memset(memory, 0, bytes);
+    }
+    if (memory == nullptr) {
+        memory = map(bytes);
+    }
     if (memory == nullptr) {
         budget().giveBack(bytes);
         return nullptr;
@@ -78,8 +120,12 @@ std::shared_ptr<Bitmap> Bitmap::create(int width, int height) {
     return std::shared_ptr<Bitmap>(new Bitmap(width, height, static_cast<Rgba*>(memory)));
 }
 
+std::shared_ptr<Bitmap> Bitmap::create(int width, int height) {
+    return allocate(width, height, Content::zero);
+}
+
 std::shared_ptr<Bitmap> Bitmap::copy(const Bitmap& source) {
-    auto result = create(source.width(), source.height());
+    auto result = allocate(source.width(), source.height(), Content::toBeOverwritten);
     if (result) {
         std::memcpy(result->data, source.data, source.pixels().size_bytes());
     }
@@ -88,7 +134,7 @@ std::shared_ptr<Bitmap> Bitmap::copy(const Bitmap& source) {
 
 Bitmap::~Bitmap() {
     const std::size_t bytes = sizeInBytes(pixelCount());
-    ::munmap(data, bytes);
+    spareBlock().keep(data, bytes);
     budget().giveBack(bytes);
 }
 

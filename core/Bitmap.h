@@ -55,7 +55,11 @@ public:
     }
 
 private:
-    Bitmap(int width, int height, Rgba* zeroed) : width_(width), height_(height), data(zeroed) {}
+    enum class Content { zero, toBeOverwritten };
+
+    static std::shared_ptr<Bitmap> allocate(int width, int height, Content content);
+
+    Bitmap(int width, int height, Rgba* memory) : width_(width), height_(height), data(memory) {}
 
     [[nodiscard]] std::size_t pixelCount() const {
         return static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_);

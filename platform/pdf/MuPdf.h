@@ -25,7 +25,11 @@ public:
         : mostInOne(largestBlock), mostInAll(allLargeBlocks) {}
 
     [[nodiscard]] bool admits(std::size_t size) const;
-    void replace(std::size_t oldSize, std::size_t newSize) { taken += newSize - oldSize; }
+    void replace(std::size_t oldSize, std::size_t newSize) {
+        if (oldSize != newSize) { // hardly ever: small blocks count as 0
+            taken += newSize - oldSize;
+        }
+    }
 
 private:
     std::size_t mostInOne;

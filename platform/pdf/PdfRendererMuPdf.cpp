@@ -4,6 +4,7 @@
 #include "core/ParallelFor.h"
 #include "platform/pdf/Deadline.h"
 #include "platform/pdf/MuPdf.h"
+#include "platform/pdf/PackedRgb.h"
 #include "platform/pdf/PageTree.h"
 
 #include <algorithm>
@@ -66,21 +67,6 @@ void showWholeMediaBox(fz_context* context, pdf_obj* page, const PageGeometry& g
     pdf_dict_put_rect(context, page, PDF_NAME(CropBox), geometry.mediaBox);
     pdf_dict_put_int(context, page, PDF_NAME(Rotate), geometry.rotation);
     pdf_dict_del(context, page, PDF_NAME(UserUnit));
-}
-
-// Turns the packed RGB rows that stand at the beginning of the bitmap's memory into its RGBA rows.
-void expandInPlace(Bitmap& bitmap) {
-    const auto width = static_cast<std::size_t>(bitmap.width());
-    const auto* const packed = reinterpret_cast<const std::uint8_t*>(bitmap.pixels().data());
-    std::vector<std::uint8_t> rgb(width * 3);
-    // From the last row up: a row never lands on one that is still to be read.
-    for (int y = bitmap.height() - 1; y >= 0; --y) {
-        std::copy_n(packed + static_cast<std::size_t>(y) * rgb.size(), rgb.size(), rgb.data());
-        const auto row = bitmap.row(y);
-        for (std::size_t x = 0; x < width; ++x) {
-            row[x] = {rgb[3 * x], rgb[3 * x + 1], rgb[3 * x + 2], 255};
-        }
-    }
 }
 
 // One thread's view of the document.
@@ -168,7 +154,7 @@ private:
         if (!drawn) {
             return nullptr;
         }
-        expandInPlace(*bitmap);
+        expandPackedRgb(bitmap->pixels());
         return bitmap;
     }
 
