@@ -5,15 +5,14 @@
 #include "io/DocumentIO.h"
 
 #include <algorithm>
-#include <cstring>
+#include <span>
 #include <string>
 
 namespace murkwell {
 
 inline std::vector<std::byte> bytesOf(std::string_view text) {
-    std::vector<std::byte> bytes(text.size());
-    std::memcpy(bytes.data(), text.data(), text.size());
-    return bytes;
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
 }
 
 inline BitmapRef plainBitmap(int width, int height, Rgba colour = {200, 100, 50, 255}) {
