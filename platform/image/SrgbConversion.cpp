@@ -1,0 +1,125 @@
+#include "platform/image/SrgbConversion.h"
+
+#include <utility>
+
+namespace murkwell {
+namespace {
+
+using vips::VError;
+using vips::VImage;
+
+// Gives samples that no colour space claims (32-bit integers, floating-point grey) the range of
+// 8-bit ones, and bands that have no meaning the nearest one.
+VImage withKnownInterpretation(VImage image) {
+    const VipsInterpretation meaning = image.interpretation();
+    if (meaning != VIPS_INTERPRETATION_MULTIBAND && meaning != VIPS_INTERPRETATION_B_W) {
+        return image;
+    }
+    double scale = 1;
+    switch (image.format()) {
+    case VIPS_FORMAT_FLOAT:
+    case VIPS_FORMAT_DOUBLE:
+        scale = 255;
+        break;
+    case VIPS_FORMAT_UINT:
+        scale = 255.0 / G_MAXUINT32;
+        break;
+    case VIPS_FORMAT_INT:
+        scale = 255.0 / G_MAXINT32;
+        break;
+    case VIPS_FORMAT_USHORT:
+        scale = 255.0 / G_MAXUINT16;
+        break;
+    default:
+        break;
+    }
+    if (scale != 1) {
+        image = (image * scale + 0.5).cast(VIPS_FORMAT_UCHAR);
+    }
+    return image.copy(VImage::option()->set(
+        "interpretation", image.bands() < 3 ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB));
+}
+
+bool isDeviceColour(const VImage& image) {
+    switch (image.interpretation()) {
+    case VIPS_INTERPRETATION_B_W:
+    case VIPS_INTERPRETATION_GREY16:
+    case VIPS_INTERPRETATION_sRGB:
+    case VIPS_INTERPRETATION_RGB:
+    case VIPS_INTERPRETATION_RGB16:
+    case VIPS_INTERPRETATION_CMYK:
+        return image.format() == VIPS_FORMAT_UCHAR || image.format() == VIPS_FORMAT_USHORT;
+    default:
+        return false;
+    }
+}
+
+// Perceptual, as a viewer without further settings shows it.
+VImage throughProfile(const VImage& image, bool embedded) {
+    auto* const options = VImage::option()
+                              ->set("embedded", embedded)
+                              ->set("intent", VIPS_INTENT_PERCEPTUAL)
+                              ->set("depth", 8);
+    if (image.interpretation() == VIPS_INTERPRETATION_CMYK) {
+        options->set("input_profile", "cmyk");
+    }
+    return image.icc_transform("srgb", options);
+}
+
+VImage colourManaged(const VImage& image) {
+    const bool embedded = image.get_typeof(VIPS_META_ICC_NAME) != 0;
+    if (embedded && isDeviceColour(image)) {
+        try {
+            return throughProfile(image, true);
+        } catch (const VError&) {
+            vips_error_clear(); // A bad profile must not cost the picture.
+        }
+    }
+    if (image.interpretation() == VIPS_INTERPRETATION_CMYK) {
+        return throughProfile(image, false);
+    }
+    return image.colourspace(VIPS_INTERPRETATION_sRGB);
+}
+
+int colourBands(const VImage& image) {
+    switch (image.interpretation()) {
+    case VIPS_INTERPRETATION_B_W:
+    case VIPS_INTERPRETATION_GREY16:
+        return 1;
+    case VIPS_INTERPRETATION_CMYK:
+        return 4;
+    default:
+        return 3;
+    }
+}
+
+VImage asBytes(const VImage& alpha) {
+    switch (alpha.format()) {
+    case VIPS_FORMAT_UCHAR:
+        return alpha;
+    case VIPS_FORMAT_USHORT:
+        return (alpha / 257.0 + 0.5).cast(VIPS_FORMAT_UCHAR);
+    default: // floating point, from 0 to 1
+        return (alpha * 255.0 + 0.5).cast(VIPS_FORMAT_UCHAR);
+    }
+}
+
+} // namespace
+
+VImage toSrgb(VImage image) {
+    if (image.coding() != VIPS_CODING_NONE) {
+        return image.colourspace(VIPS_INTERPRETATION_sRGB);
+    }
+    image = withKnownInterpretation(std::move(image));
+    // Alpha goes its own way: colour management would clip 16-bit alpha instead of scaling it.
+    const int colours = colourBands(image);
+    const VImage colour = image.extract_band(0, VImage::option()->set("n", colours));
+    VImage converted = colourManaged(colour);
+    if (converted.format() != VIPS_FORMAT_UCHAR) {
+        converted = converted.cast(VIPS_FORMAT_UCHAR);
+    }
+    return image.bands() > colours ? converted.bandjoin(asBytes(image.extract_band(colours)))
+                                   : converted;
+}
+
+} // namespace murkwell
