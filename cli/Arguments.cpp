@@ -1,0 +1,181 @@
+#include "cli/Arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <sstream>
+
+namespace murkwell::cli {
+namespace {
+
+constexpr int wrongUsage = 2;
+
+template <typename Number>
+std::optional<Number> parseNumber(std::string_view text) {
+    Number number{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc{} || end != text.data() + text.size()) {
+        return std::nullopt;
+    }
+    return number;
+}
+
+// Takes the text up to the separator off the front; all of it when there is none.
+std::string_view takeField(std::string_view& text, char separator) {
+    const std::string_view field = text.substr(0, text.find(separator));
+    text.remove_prefix(std::min(field.size() + 1, text.size()));
+    return field;
+}
+
+std::optional<PageRect> parseRect(std::string_view text) {
+    if (std::ranges::count(text, ',') != 3) {
+        return std::nullopt;
+    }
+    std::array<double, 4> numbers{};
+    for (double& number : numbers) {
+        const auto parsed = parseNumber<double>(takeField(text, ','));
+        if (!parsed || !std::isfinite(*parsed)) {
+            return std::nullopt;
+        }
+        number = *parsed;
+    }
+    return PageRect{numbers[0], numbers[1], numbers[2], numbers[3]};
+}
+
+bool coversSomeOfThePage(const PageRect& rect) {
+    return rect.width > 0 && rect.height > 0 && rect.x < 1 && rect.y < 1 && rect.maxX() > 0 &&
+           rect.maxY() > 0;
+}
+
+std::vector<std::string> styleNames() {
+    std::vector<std::string> names;
+    for (const RedactionStyle style : allRedactionStyles) {
+        names.emplace_back(rawValue(style));
+    }
+    return names;
+}
+
+std::vector<std::filesystem::path> paths(const std::vector<std::string>& texts) {
+    return {texts.begin(), texts.end()};
+}
+
+CLI::Validator boxValidator() {
+    return {[](std::string& text) {
+                return parseBox(text) ? std::string()
+                                      : "“" + text +
+                                            "” is no box on a page: write PAGE:X,Y,W,H[:STYLE], "
+                                            "such as 1:0.1,0.1,0.3,0.05:noise";
+            },
+            ""};
+}
+
+// The `redact` command, as the parser sees it.
+struct RedactOptions {
+    std::vector<std::string> sources;
+    std::string output;
+    std::string outputFolder;
+    std::vector<std::string> boxes;
+    std::string style{rawValue(RedactionStyle::solidBlack)};
+    bool force = false;
+    bool json = false;
+
+    void addTo(CLI::App& command) {
+        command.add_option("SOURCE", sources, "Images and PDFs")->required();
+        auto* const file = command.add_option("-o,--output", output,
+                                              "Where to write (one SOURCE only; default: beside "
+                                              "it, with -redacted in the name)");
+        command.add_option("--out-dir", outputFolder, "Folder to write into")->excludes(file);
+        command
+            .add_option("--box", boxes,
+                        "PAGE:X,Y,W,H[:STYLE]; pages count from 1, the rest are fractions of the "
+                        "page from its top-left corner")
+            ->required()
+            ->check(boxValidator())
+            ->expected(1)
+            ->take_all();
+        command.add_option("--style", style, "solidBlack, solidWhite or noise")
+            ->check(CLI::IsMember(styleNames()));
+        command.add_flag("--force", force, "Replace existing files");
+        command.add_flag("--json", json, "Print a JSON line for each file written");
+    }
+
+    [[nodiscard]] Command checked() const {
+        if (!output.empty() && sources.size() > 1) {
+            return Ending{wrongUsage, "-o takes one SOURCE; use --out-dir for several"};
+        }
+        RedactArguments arguments;
+        arguments.sources = paths(sources);
+        if (!output.empty()) {
+            arguments.output = output;
+        }
+        if (!outputFolder.empty()) {
+            arguments.outputFolder = outputFolder;
+        }
+        for (const std::string& box : boxes) {
+            arguments.boxes.push_back(*parseBox(box));
+        }
+        arguments.style = *redactionStyle(style);
+        arguments.force = force;
+        arguments.json = json;
+        return arguments;
+    }
+};
+
+Ending endingOf(const CLI::App& app, const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) {
+        std::ostringstream text;
+        std::ostringstream unused;
+        app.exit(error, text, unused);
+        return {0, text.str()};
+    }
+    return {wrongUsage, error.what()};
+}
+
+} // namespace
+
+std::optional<BoxArgument> parseBox(std::string_view text) {
+    const bool namesStyle = std::ranges::count(text, ':') > 1;
+    const auto page = parseNumber<int>(takeField(text, ':'));
+    const auto rect = parseRect(takeField(text, ':'));
+    if (!page || *page < 1 || !rect || !coversSomeOfThePage(*rect)) {
+        return std::nullopt;
+    }
+    if (!namesStyle) {
+        return BoxArgument{*page, *rect, std::nullopt};
+    }
+    const auto style = redactionStyle(text);
+    if (!style) {
+        return std::nullopt;
+    }
+    return BoxArgument{*page, *rect, style};
+}
+
+Command parseArguments(int argc, const char* const* argv) {
+    CLI::App app("Redacts images and PDFs: what lies under a box is destroyed, not hidden.",
+                 "murkwell-cli");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", "murkwell-cli " MURKWELL_VERSION);
+
+    RedactOptions redact;
+    auto* const redactCommand =
+        app.add_subcommand("redact", "Cover boxes and write flattened files");
+    redact.addTo(*redactCommand);
+
+    std::vector<std::string> infoSources;
+    auto* const infoCommand = app.add_subcommand("info", "Print type and page sizes as JSON lines");
+    infoCommand->add_option("SOURCE", infoSources, "Images and PDFs")->required();
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return endingOf(app, error);
+    }
+    if (redactCommand->parsed()) {
+        return redact.checked();
+    }
+    return InfoArguments{paths(infoSources)};
+}
+
+} // namespace murkwell::cli

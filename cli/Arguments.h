@@ -1,0 +1,51 @@
+// What the user typed, checked.
+#pragma once
+
+#include "core/Geometry.h"
+#include "core/RedactionStyle.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace murkwell::cli {
+
+// --box PAGE:X,Y,W,H[:STYLE]
+struct BoxArgument {
+    int page; // counts from 1
+    PageRect rect;
+    std::optional<RedactionStyle> style;
+};
+
+// None unless the text is a page number, four finite numbers that cover some of the page, and a
+// style's raw value where a style is given.
+[[nodiscard]] std::optional<BoxArgument> parseBox(std::string_view text);
+
+struct RedactArguments {
+    std::vector<std::filesystem::path> sources;
+    std::optional<std::filesystem::path> output;
+    std::optional<std::filesystem::path> outputFolder;
+    std::vector<BoxArgument> boxes;
+    RedactionStyle style = RedactionStyle::solidBlack; // for boxes that name none
+    bool force = false;
+    bool json = false;
+};
+
+struct InfoArguments {
+    std::vector<std::filesystem::path> sources;
+};
+
+// Nothing to run: print the text and leave with the code.
+struct Ending {
+    int exitCode;
+    std::string text; // for standard output when the code is 0, else for standard error
+};
+
+using Command = std::variant<Ending, RedactArguments, InfoArguments>;
+
+[[nodiscard]] Command parseArguments(int argc, const char* const* argv);
+
+} // namespace murkwell::cli

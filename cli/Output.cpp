@@ -1,0 +1,53 @@
+#include "cli/Output.h"
+
+#include "io/FileName.h"
+
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <unistd.h>
+
+namespace murkwell::cli {
+namespace {
+
+constexpr std::string_view clearLine = "\r\033[K";
+
+} // namespace
+
+void printJson(const nlohmann::ordered_json& line) {
+    using Json = nlohmann::ordered_json;
+    constexpr int onOneLine = -1;
+    constexpr bool escapeNonAscii = false;
+    std::cout << line.dump(onOneLine, ' ', escapeNonAscii, Json::error_handler_t::replace)
+              << std::endl;
+}
+
+void printFailure(std::string_view message) {
+    std::cerr << message << std::endl;
+}
+
+std::string couldNotOpen(const std::filesystem::path& file) {
+    return "Couldn’t open “" + lastPathComponent(file) + "”.";
+}
+
+std::string couldNotWrite(const std::filesystem::path& file) {
+    return "Couldn’t write to “" + lastPathComponent(file) + "”.";
+}
+
+Progress::Progress(std::size_t fileCount)
+    : count(fileCount), watched(fileCount > 1 && ::isatty(STDERR_FILENO) == 1) {}
+
+Progress::~Progress() {
+    if (watched) {
+        std::cerr << clearLine << std::flush;
+    }
+}
+
+void Progress::begin(const std::filesystem::path& file) {
+    ++begun;
+    if (watched) {
+        std::cerr << clearLine << '[' << begun << '/' << count << "] " << lastPathComponent(file)
+                  << std::flush;
+    }
+}
+
+} // namespace murkwell::cli

@@ -1,0 +1,37 @@
+// What the program says: results as JSON lines on standard output, trouble and progress on standard
+// error.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <string_view>
+
+namespace murkwell::cli {
+
+// Keys keep their order. Bytes of a file name that are no UTF-8 come out as U+FFFD.
+void printJson(const nlohmann::ordered_json& line);
+
+void printFailure(std::string_view message);
+
+[[nodiscard]] std::string couldNotOpen(const std::filesystem::path& file);
+[[nodiscard]] std::string couldNotWrite(const std::filesystem::path& file);
+
+// "[2/5] scan.pdf" on standard error while several files are worked on, where somebody watches.
+class Progress {
+public:
+    explicit Progress(std::size_t fileCount);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void begin(const std::filesystem::path& file);
+
+private:
+    std::size_t count;
+    std::size_t begun = 0;
+    bool watched;
+};
+
+} // namespace murkwell::cli
