@@ -23,7 +23,7 @@ constexpr float scale = 2;
 // Letter, for a page without a usable media box.
 constexpr fz_rect defaultMediaBox{0, 0, 612, 792};
 
-// The slowest honest page that we know needs 3 seconds.
+// Processor time. The slowest honest page that we know needs 3 seconds.
 constexpr auto pageTimeLimit = 18s;
 // Every page that used up its time halves that of the next ones, down to a sixteenth.
 constexpr int mostHalvings = 4;
