@@ -50,10 +50,9 @@ bool coversSomeOfThePage(const PageRect& rect) {
 }
 
 std::vector<std::string> styleNames() {
-    std::vector<std::string> names;
-    for (const RedactionStyle style : allRedactionStyles) {
-        names.emplace_back(rawValue(style));
-    }
+    std::vector<std::string> names(allRedactionStyles.size());
+    std::ranges::transform(allRedactionStyles, names.begin(),
+                           [](RedactionStyle style) { return std::string(rawValue(style)); });
     return names;
 }
 

@@ -7,12 +7,15 @@
 #include "platform/pdf/PdfRendererMuPdf.h"
 #include "platform/pdf/PdfWriterMuPdf.h"
 
+#include <exception>
 #include <iostream>
 #include <type_traits>
 
-int main(int argc, char** argv) {
-    using namespace murkwell;
+namespace {
 
+using namespace murkwell;
+
+int run(int argc, char** argv) {
     const auto command = cli::parseArguments(argc, argv);
     PdfRendererMuPdf pdfRenderer;
     PdfWriterMuPdf pdfWriter;
@@ -33,4 +36,16 @@ int main(int argc, char** argv) {
             }
         },
         command);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        // Nothing below throws on purpose; memory can still run out anywhere.
+        std::cerr << "murkwell-cli: " << error.what() << '\n';
+        return 1;
+    }
 }

@@ -88,7 +88,7 @@ Rgba randomGrey(RandomSource& random) {
         value = random.next();
     }
     const double fraction = static_cast<double>(value % steps) * 0x1p-53;
-    const auto level = static_cast<std::uint8_t>(fraction * 255 + 0.5);
+    const auto level = static_cast<std::uint8_t>(std::lround(fraction * 255));
     return {level, level, level, 255};
 }
 
