@@ -21,6 +21,8 @@ public:
         }
     }
 
+    void putZeros(std::size_t count) { bytes.resize(bytes.size() + count); }
+
     std::vector<std::byte> bytes;
 };
 
@@ -38,13 +40,13 @@ void putHeaders(Writer& writer, const Bitmap& picture, bool hasAlpha, std::size_
     writer.put(hasAlpha ? 32 : 24, 2);
     writer.put(hasAlpha ? 3 : 0, 4); // bit fields or none
     writer.put(pixelBytes, 4);
-    writer.put(0, 16); // no resolution, no palette
+    writer.putZeros(16); // no resolution, no palette
     if (hasAlpha) {
         for (const std::size_t mask : {0x00ff0000U, 0x0000ff00U, 0x000000ffU, 0xff000000U}) {
             writer.put(mask, 4);
         }
         writer.put(0x73524742, 4); // colours are sRGB; what follows does not apply then
-        writer.put(0, 48);
+        writer.putZeros(48);
     }
 }
 
@@ -68,7 +70,7 @@ std::vector<std::byte> encodeBmp(const Bitmap& picture) {
                 writer.bytes.push_back(static_cast<std::byte>(pixel.a));
             }
         }
-        writer.put(0, padding);
+        writer.putZeros(padding);
     }
     return std::move(writer.bytes);
 }

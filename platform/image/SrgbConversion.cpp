@@ -1,5 +1,6 @@
 #include "platform/image/SrgbConversion.h"
 
+#include <string_view>
 #include <utility>
 
 namespace murkwell {
@@ -40,18 +41,36 @@ VImage withKnownInterpretation(VImage image) {
         "interpretation", image.bands() < 3 ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB));
 }
 
-bool isDeviceColour(const VImage& image) {
+// What the embedded profile must call its colours to be meant for this image; libvips would take
+// the first bands for grey ones where the profile is for grey. Empty when none can fit.
+std::string_view profileColoursOf(const VImage& image) {
+    if (image.format() != VIPS_FORMAT_UCHAR && image.format() != VIPS_FORMAT_USHORT) {
+        return {};
+    }
     switch (image.interpretation()) {
     case VIPS_INTERPRETATION_B_W:
     case VIPS_INTERPRETATION_GREY16:
+        return "GRAY";
     case VIPS_INTERPRETATION_sRGB:
     case VIPS_INTERPRETATION_RGB:
     case VIPS_INTERPRETATION_RGB16:
+        return "RGB ";
     case VIPS_INTERPRETATION_CMYK:
-        return image.format() == VIPS_FORMAT_UCHAR || image.format() == VIPS_FORMAT_USHORT;
+        return "CMYK";
     default:
+        return {};
+    }
+}
+
+bool hasFittingProfile(const VImage& image) {
+    constexpr std::size_t headerSize = 128; // ICC.1:2010, 7.2
+    constexpr std::size_t colourSpace = 16;
+    if (image.get_typeof(VIPS_META_ICC_NAME) == 0) {
         return false;
     }
+    std::size_t size = 0;
+    const auto* const data = static_cast<const char*>(image.get_blob(VIPS_META_ICC_NAME, &size));
+    return size >= headerSize && std::string_view(data + colourSpace, 4) == profileColoursOf(image);
 }
 
 // Perceptual, as a viewer without further settings shows it.
@@ -67,8 +86,7 @@ VImage throughProfile(const VImage& image, bool embedded) {
 }
 
 VImage colourManaged(const VImage& image) {
-    const bool embedded = image.get_typeof(VIPS_META_ICC_NAME) != 0;
-    if (embedded && isDeviceColour(image)) {
+    if (hasFittingProfile(image)) {
         try {
             return throughProfile(image, true);
         } catch (const VError&) {
@@ -113,13 +131,13 @@ VImage toSrgb(VImage image) {
     image = withKnownInterpretation(std::move(image));
     // Alpha goes its own way: colour management would clip 16-bit alpha instead of scaling it.
     const int colours = colourBands(image);
-    const VImage colour = image.extract_band(0, VImage::option()->set("n", colours));
-    VImage converted = colourManaged(colour);
+    const bool hasAlpha = image.bands() > colours;
+    VImage converted = colourManaged(
+        hasAlpha ? image.extract_band(0, VImage::option()->set("n", colours)) : image);
     if (converted.format() != VIPS_FORMAT_UCHAR) {
         converted = converted.cast(VIPS_FORMAT_UCHAR);
     }
-    return image.bands() > colours ? converted.bandjoin(asBytes(image.extract_band(colours)))
-                                   : converted;
+    return hasAlpha ? converted.bandjoin(asBytes(image.extract_band(colours))) : converted;
 }
 
 } // namespace murkwell
