@@ -11,6 +11,7 @@ namespace murkwell::cli {
 namespace {
 
 constexpr int wrongUsage = 2;
+constexpr std::string_view allWord = "all";
 
 template <typename Number>
 std::optional<Number> parseNumber(std::string_view text) {
@@ -56,6 +57,19 @@ std::vector<std::string> styleNames() {
     return names;
 }
 
+std::vector<std::string> kindNames() {
+    std::vector<std::string> names;
+    for (const PIIKind kind : allPIIKinds) {
+        names.emplace_back(rawValue(kind));
+    }
+    return names;
+}
+
+std::optional<int> parsePage(std::string_view text) {
+    const auto page = parseNumber<int>(text);
+    return page && *page >= 1 ? page : std::nullopt;
+}
+
 std::vector<std::filesystem::path> paths(const std::vector<std::string>& texts) {
     return {texts.begin(), texts.end()};
 }
@@ -70,12 +84,55 @@ CLI::Validator boxValidator() {
             ""};
 }
 
+CLI::Validator kindsValidator() {
+    return {[](std::string& text) {
+                return parseKinds(text) ? std::string()
+                                        : "“" + text + "” is no kind: write all, or some of " +
+                                              CLI::detail::join(kindNames(), ",");
+            },
+            ""};
+}
+
+CLI::Validator pagesValidator() {
+    return {[](std::string& text) {
+                return text == allWord || parsePage(text)
+                           ? std::string()
+                           : "“" + text + "” is neither all nor a page number";
+            },
+            ""};
+}
+
+// What is searched for and where, as the parser sees it.
+struct SearchOptions {
+    std::string kinds;
+    std::vector<std::string> queries;
+    bool fuzzy = false;
+    std::string pages{allWord};
+
+    void addTo(CLI::App& command) {
+        command
+            .add_option("--detect", kinds,
+                        "Kinds to find: all, or some of " + CLI::detail::join(kindNames(), ","))
+            ->check(kindsValidator());
+        command.add_option("--find", queries, "Text to find, whatever its letter case")
+            ->expected(1)
+            ->take_all();
+        command.add_flag("--fuzzy", fuzzy, "Also find close spellings and slips of recognition");
+        command.add_option("--pages", pages, "The page to search, or all")->check(pagesValidator());
+    }
+
+    [[nodiscard]] SearchArguments checked() const {
+        return {parseKinds(kinds).value_or(PIIKinds()), queries, fuzzy, parsePage(pages)};
+    }
+};
+
 // The `redact` command, as the parser sees it.
 struct RedactOptions {
     std::vector<std::string> sources;
     std::string output;
     std::string outputFolder;
     std::vector<std::string> boxes;
+    SearchOptions search;
     std::string style{rawValue(RedactionStyle::solidBlack)};
     bool force = false;
     bool json = false;
@@ -90,10 +147,10 @@ struct RedactOptions {
             .add_option("--box", boxes,
                         "PAGE:X,Y,W,H[:STYLE]; pages count from 1, the rest are fractions of the "
                         "page from its top-left corner")
-            ->required()
             ->check(boxValidator())
             ->expected(1)
             ->take_all();
+        search.addTo(command);
         command.add_option("--style", style, "solidBlack, solidWhite or noise")
             ->check(CLI::IsMember(styleNames()));
         command.add_flag("--force", force, "Replace existing files");
@@ -115,11 +172,47 @@ struct RedactOptions {
         for (const std::string& box : boxes) {
             arguments.boxes.push_back(*parseBox(box));
         }
+        arguments.search = search.checked();
+        if (arguments.boxes.empty() && !arguments.search.wanted()) {
+            return Ending{wrongUsage, "Nothing to redact: give --box, --detect or --find"};
+        }
         arguments.style = *redactionStyle(style);
         arguments.force = force;
         arguments.json = json;
         return arguments;
     }
+};
+
+// The `scan` command, as the parser sees it.
+struct ScanOptions {
+    std::vector<std::string> sources;
+    SearchOptions search;
+
+    void addTo(CLI::App& command) {
+        command.add_option("SOURCE", sources, "Images and PDFs")->required();
+        search.addTo(command);
+    }
+
+    [[nodiscard]] ScanArguments checked() const {
+        ScanArguments arguments{paths(sources), search.checked()};
+        if (!arguments.search.wanted()) {
+            arguments.search.kinds = {allPIIKinds.begin(), allPIIKinds.end()};
+        }
+        return arguments;
+    }
+};
+
+// The `text` command, as the parser sees it.
+struct TextOptions {
+    std::vector<std::string> sources;
+    std::string page{allWord};
+
+    void addTo(CLI::App& command) {
+        command.add_option("SOURCE", sources, "Images and PDFs")->required();
+        command.add_option("--page", page, "The page to read, or all")->check(pagesValidator());
+    }
+
+    [[nodiscard]] TextArguments checked() const { return {paths(sources), parsePage(page)}; }
 };
 
 Ending endingOf(const CLI::App& app, const CLI::ParseError& error) {
@@ -151,6 +244,21 @@ std::optional<BoxArgument> parseBox(std::string_view text) {
     return BoxArgument{*page, *rect, style};
 }
 
+std::optional<PIIKinds> parseKinds(std::string_view text) {
+    if (text == allWord) {
+        return PIIKinds(allPIIKinds.begin(), allPIIKinds.end());
+    }
+    PIIKinds kinds;
+    for (auto fields = std::ranges::count(text, ',') + 1; fields > 0; --fields) {
+        const auto kind = piiKind(takeField(text, ','));
+        if (!kind) {
+            return std::nullopt;
+        }
+        kinds.insert(*kind);
+    }
+    return kinds;
+}
+
 Command parseArguments(int argc, const char* const* argv) {
     CLI::App app("Redacts images and PDFs: what lies under a box is destroyed, not hidden.",
                  "murkwell-cli");
@@ -161,6 +269,15 @@ Command parseArguments(int argc, const char* const* argv) {
     auto* const redactCommand =
         app.add_subcommand("redact", "Cover boxes and write flattened files");
     redact.addTo(*redactCommand);
+
+    ScanOptions scan;
+    auto* const scanCommand =
+        app.add_subcommand("scan", "Print what would be covered as JSON lines");
+    scan.addTo(*scanCommand);
+
+    TextOptions text;
+    auto* const textCommand = app.add_subcommand("text", "Print recognised lines as JSON lines");
+    text.addTo(*textCommand);
 
     std::vector<std::string> infoSources;
     auto* const infoCommand = app.add_subcommand("info", "Print type and page sizes as JSON lines");
@@ -173,6 +290,12 @@ Command parseArguments(int argc, const char* const* argv) {
     }
     if (redactCommand->parsed()) {
         return redact.checked();
+    }
+    if (scanCommand->parsed()) {
+        return scan.checked();
+    }
+    if (textCommand->parsed()) {
+        return text.checked();
     }
     return InfoArguments{paths(infoSources)};
 }

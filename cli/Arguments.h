@@ -3,6 +3,7 @@
 
 #include "core/Geometry.h"
 #include "core/RedactionStyle.h"
+#include "detect/PIIKind.h"
 
 #include <filesystem>
 #include <optional>
@@ -24,14 +25,39 @@ struct BoxArgument {
 // style's raw value where a style is given.
 [[nodiscard]] std::optional<BoxArgument> parseBox(std::string_view text);
 
+// --detect KIND[,KIND]|all, --find TEXT, --fuzzy, --pages all|N
+struct SearchArguments {
+    PIIKinds kinds;
+    std::vector<std::string> queries; // UTF-8
+    bool fuzzy = false;
+    std::optional<int> page; // counts from 1; none for all
+
+    [[nodiscard]] bool wanted() const { return !kinds.empty() || !queries.empty(); }
+};
+
+// None unless the text is "all" or raw values with commas between them.
+[[nodiscard]] std::optional<PIIKinds> parseKinds(std::string_view text);
+
 struct RedactArguments {
     std::vector<std::filesystem::path> sources;
     std::optional<std::filesystem::path> output;
     std::optional<std::filesystem::path> outputFolder;
     std::vector<BoxArgument> boxes;
+    SearchArguments search;
     RedactionStyle style = RedactionStyle::solidBlack; // for boxes that name none
     bool force = false;
     bool json = false;
+};
+
+struct ScanArguments {
+    std::vector<std::filesystem::path> sources;
+    SearchArguments search;
+    RedactionStyle style = RedactionStyle::solidBlack;
+};
+
+struct TextArguments {
+    std::vector<std::filesystem::path> sources;
+    std::optional<int> page; // counts from 1; none for all
 };
 
 struct InfoArguments {
@@ -44,7 +70,7 @@ struct Ending {
     std::string text; // for standard output when the code is 0, else for standard error
 };
 
-using Command = std::variant<Ending, RedactArguments, InfoArguments>;
+using Command = std::variant<Ending, RedactArguments, ScanArguments, TextArguments, InfoArguments>;
 
 [[nodiscard]] Command parseArguments(int argc, const char* const* argv);
 

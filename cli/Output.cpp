@@ -33,6 +33,11 @@ std::string couldNotWrite(const std::filesystem::path& file) {
     return "Couldn’t write to “" + lastPathComponent(file) + "”.";
 }
 
+std::string noSuchPage(const std::filesystem::path& file, int page, std::size_t pageCount) {
+    return "“" + lastPathComponent(file) + "” has no page " + std::to_string(page) +
+           "; its last page is " + std::to_string(pageCount) + ".";
+}
+
 Progress::Progress(std::size_t fileCount)
     : count(fileCount), watched(fileCount > 1 && ::isatty(STDERR_FILENO) == 1) {}
 

@@ -17,6 +17,8 @@ void printFailure(std::string_view message);
 
 [[nodiscard]] std::string couldNotOpen(const std::filesystem::path& file);
 [[nodiscard]] std::string couldNotWrite(const std::filesystem::path& file);
+[[nodiscard]] std::string noSuchPage(const std::filesystem::path& file, int page,
+                                     std::size_t pageCount);
 
 // "[2/5] scan.pdf" on standard error while several files are worked on, where somebody watches.
 class Progress {

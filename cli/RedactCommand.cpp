@@ -1,6 +1,7 @@
 #include "cli/Commands.h"
 
 #include "cli/Output.h"
+#include "cli/PageSearch.h"
 #include "core/RandomSource.h"
 #include "io/FileName.h"
 
@@ -21,34 +22,47 @@ path destinationFor(const DocumentIO::Document& document, const RedactArguments&
     return arguments.outputFolder ? *arguments.outputFolder / proposed.filename() : proposed;
 }
 
-// The boxes as the pages' lists. None when a box names a page that is not there.
-std::optional<std::vector<std::vector<Redaction>>>
-redactionsFor(const DocumentIO::Document& document, const RedactArguments& arguments,
-              RandomSource& random) {
-    std::vector<std::vector<Redaction>> byPage(document.pages.size());
+int highestPage(const RedactArguments& arguments) {
+    int highest = arguments.search.page.value_or(1);
     for (const BoxArgument& box : arguments.boxes) {
-        const auto index = static_cast<std::size_t>(box.page - 1);
-        if (index >= byPage.size()) {
-            return std::nullopt;
-        }
-        byPage[index].push_back(
-            {Uuid::random(random), box.rect, box.style.value_or(arguments.style), false});
+        highest = std::max(highest, box.page);
+    }
+    return highest;
+}
+
+using RedactionsByPage = std::vector<std::vector<Redaction>>;
+
+// What is found and, over it, the boxes that were given. Those name pages of the document.
+RedactionsByPage redactionsFor(const DocumentIO::Document& document,
+                               const RedactArguments& arguments,
+                               const Detector::Engines& recognition) {
+    RedactionsByPage byPage(document.pages.size());
+    for (const std::size_t index : pagesIn(document, arguments.search.page)) {
+        byPage[index] = searchPage(*document.pages[index].image, arguments.search, arguments.style,
+                                   recognition);
+    }
+    for (const BoxArgument& box : arguments.boxes) {
+        byPage[static_cast<std::size_t>(box.page - 1)].push_back(
+            {Uuid::random(recognition.random), box.rect, box.style.value_or(arguments.style),
+             false});
     }
     return byPage;
 }
 
-std::string noSuchPage(const path& source, const RedactArguments& arguments,
-                       std::size_t pageCount) {
-    const int highest = std::ranges::max(arguments.boxes, {}, &BoxArgument::page).page;
-    return "“" + lastPathComponent(source) + "” has no page " + std::to_string(highest) +
-           " for its box; its last page is " + std::to_string(pageCount) + ".";
+std::size_t countOf(const RedactionsByPage& redactions) {
+    std::size_t count = 0;
+    for (const auto& page : redactions) {
+        count += page.size();
+    }
+    return count;
 }
 
 // One run over several sources, which must not write two of them to one file.
 class RedactRun {
 public:
-    RedactRun(const RedactArguments& given, const DocumentIO::Engines& used)
-        : arguments(given), engines(used) {}
+    RedactRun(const RedactArguments& given, const DocumentIO::Engines& used,
+              const Detector::Engines& searching)
+        : arguments(given), engines(used), recognition(searching) {}
 
     // A message when the file could not be done, else an empty one.
     std::string redact(const path& source) {
@@ -56,20 +70,21 @@ public:
         if (!document) {
             return couldNotOpen(source);
         }
-        const auto redactions = redactionsFor(*document, arguments, engines.random);
-        if (!redactions) {
-            return noSuchPage(source, arguments, document->pages.size());
+        const int highest = highestPage(arguments);
+        if (pagesIn(*document, highest).empty()) {
+            return noSuchPage(source, highest, document->pages.size());
         }
         const path destination = destinationFor(*document, arguments);
         if (!mayWrite(destination)) {
             return couldNotWrite(destination) +
                    " It is there already; --force replaces it, but not with two sources.";
         }
-        if (!DocumentIO::write(*document, *redactions, destination, engines)) {
+        const RedactionsByPage redactions = redactionsFor(*document, arguments, recognition);
+        if (!DocumentIO::write(*document, redactions, destination, engines)) {
             return couldNotWrite(destination);
         }
         written.insert(weakly_canonical(destination));
-        report(source, destination);
+        report(source, destination, countOf(redactions));
         return {};
     }
 
@@ -82,24 +97,26 @@ private:
         return arguments.force && !written.contains(weakly_canonical(destination));
     }
 
-    void report(const path& source, const path& destination) const {
+    void report(const path& source, const path& destination, std::size_t count) const {
         if (arguments.json) {
             printJson({{"file", source.string()},
                        {"output", destination.string()},
-                       {"redactions", arguments.boxes.size()}});
+                       {"redactions", count}});
         }
     }
 
     const RedactArguments& arguments;
     const DocumentIO::Engines& engines;
+    const Detector::Engines& recognition;
     std::set<path> written;
 };
 
 } // namespace
 
-bool redact(const RedactArguments& arguments, const DocumentIO::Engines& engines) {
+bool redact(const RedactArguments& arguments, const DocumentIO::Engines& engines,
+            const Detector::Engines& recognition) {
     Progress progress(arguments.sources.size());
-    RedactRun run(arguments, engines);
+    RedactRun run(arguments, engines, recognition);
     bool allDone = true;
     for (const path& source : arguments.sources) {
         progress.begin(source);

@@ -3,7 +3,9 @@
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
 #include "core/RandomSource.h"
+#include "platform/faces/FaceDetectorUltraFace.h"
 #include "platform/image/ImageCodecVips.h"
+#include "platform/ocr/TextRecognizerCombined.h"
 #include "platform/pdf/PdfRendererMuPdf.h"
 #include "platform/pdf/PdfWriterMuPdf.h"
 
@@ -15,13 +17,35 @@ namespace {
 
 using namespace murkwell;
 
+// Says which engines are missing for what is asked.
+void reportMissing(bool readsText, bool findsFaces, TextRecognizerCombined& textRecognizer,
+                   FaceDetectorUltraFace& faceDetector) {
+    if (readsText && textRecognizer.readsWithTesseractAlone()) {
+        std::cerr << "Text is read by Tesseract alone, which misses more: ONNX Runtime or its "
+                     "models are missing.\n";
+    }
+    if (findsFaces && !faceDetector.isUsable()) {
+        std::cerr << "Faces are not found: ONNX Runtime or its model is missing.\n";
+    }
+}
+
+void reportMissing(const cli::SearchArguments& search, TextRecognizerCombined& textRecognizer,
+                   FaceDetectorUltraFace& faceDetector) {
+    const bool findsFaces = search.kinds.contains(PIIKind::faces);
+    const bool readsText = !search.queries.empty() || search.kinds.size() > (findsFaces ? 1U : 0U);
+    reportMissing(readsText, findsFaces, textRecognizer, faceDetector);
+}
+
 int run(int argc, char** argv) {
     const auto command = cli::parseArguments(argc, argv);
     PdfRendererMuPdf pdfRenderer;
     PdfWriterMuPdf pdfWriter;
     ImageCodecVips imageCodec;
+    TextRecognizerCombined textRecognizer;
+    FaceDetectorUltraFace faceDetector;
     SystemRandomSource random;
     const DocumentIO::Engines engines{pdfRenderer, pdfWriter, imageCodec, random};
+    const Detector::Engines recognition{textRecognizer, faceDetector, random};
 
     return std::visit(
         [&](const auto& chosen) {
@@ -30,7 +54,14 @@ int run(int argc, char** argv) {
                 (chosen.exitCode == 0 ? std::cout : std::cerr) << chosen.text << '\n';
                 return chosen.exitCode;
             } else if constexpr (std::is_same_v<Chosen, cli::RedactArguments>) {
-                return cli::redact(chosen, engines) ? 0 : 1;
+                reportMissing(chosen.search, textRecognizer, faceDetector);
+                return cli::redact(chosen, engines, recognition) ? 0 : 1;
+            } else if constexpr (std::is_same_v<Chosen, cli::ScanArguments>) {
+                reportMissing(chosen.search, textRecognizer, faceDetector);
+                return cli::scan(chosen, engines, recognition) ? 0 : 1;
+            } else if constexpr (std::is_same_v<Chosen, cli::TextArguments>) {
+                reportMissing(true, false, textRecognizer, faceDetector);
+                return cli::text(chosen, engines, textRecognizer) ? 0 : 1;
             } else {
                 return cli::info(chosen, engines) ? 0 : 1;
             }

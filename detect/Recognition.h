@@ -1,7 +1,7 @@
 // Ports: what reads the text of a page and what finds its faces.
 //
-// Both may be called from any thread, one call at a time each; an adapter may use more threads
-// inside the call. Models and data are loaded at the first call, not before.
+// Both may be called from several threads at once, and an adapter may use more threads inside a
+// call. Models and data are loaded at the first call, not before.
 #pragma once
 
 #include "core/Bitmap.h"
@@ -17,7 +17,8 @@ namespace murkwell {
 struct RecognizedLine {
     std::string text; // UTF-8, best reading
     RecognizerRect box;
-    // One box per code point of the text, or empty when the engine cannot tell.
+    // One box per code point of the text, an empty one where there is nothing to cover; none at all
+    // when the engine cannot tell.
     std::vector<RecognizerRect> characterBoxes;
 };
 

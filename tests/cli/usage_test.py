@@ -95,7 +95,7 @@ class Files(TestInFolder):
                          ["a.pdf", "b.png", "folder.pdf"])
 
     def test_a_box_for_a_page_that_is_not_there_fails_before_anything_is_written(self):
-        self.assert_fails("“a.pdf” has no page 3 for its box; its last page is 2.",
+        self.assert_fails("“a.pdf” has no page 3; its last page is 2.",
                           "redact", self.source, "--box", "3:0,0,1,1")
         self.assertFalse((self.folder / "a-redacted.pdf").exists())
 

@@ -1,0 +1,32 @@
+# Finds the headers of ONNX Runtime, the distribution's before those that script/fetch-models put
+# into the cache; defines ONNXRuntime::Headers and ONNXRuntime_SONAME. The library is not linked:
+# programs load it by that name at the first search, and do without when it is not there.
+include(FindPackageHandleStandardArgs)
+
+if(DEFINED ENV{XDG_CACHE_HOME})
+    set(ONNXRuntime_cache "$ENV{XDG_CACHE_HOME}/murkwell/onnxruntime")
+else()
+    set(ONNXRuntime_cache "$ENV{HOME}/.cache/murkwell/onnxruntime")
+endif()
+
+find_path(ONNXRuntime_INCLUDE_DIR onnxruntime_cxx_api.h
+    PATHS "${ONNXRuntime_cache}/include"
+    PATH_SUFFIXES onnxruntime onnxruntime/core/session)
+find_library(ONNXRuntime_LIBRARY NAMES onnxruntime libonnxruntime.so.1
+    PATHS "${ONNXRuntime_cache}/lib")
+mark_as_advanced(ONNXRuntime_INCLUDE_DIR ONNXRuntime_LIBRARY)
+
+find_package_handle_standard_args(ONNXRuntime
+    REQUIRED_VARS ONNXRuntime_INCLUDE_DIR ONNXRuntime_LIBRARY
+    REASON_FAILURE_MESSAGE "text will be read by Tesseract alone and no faces found \
+(install libonnxruntime-dev or run script/fetch-models)")
+
+if(ONNXRuntime_FOUND AND NOT TARGET ONNXRuntime::Headers)
+    execute_process(COMMAND "${CMAKE_OBJDUMP}" -p "${ONNXRuntime_LIBRARY}"
+        OUTPUT_VARIABLE ONNXRuntime_header)
+    string(REGEX MATCH "SONAME +([^\n]+)" ONNXRuntime_header "${ONNXRuntime_header}")
+    set(ONNXRuntime_SONAME "${CMAKE_MATCH_1}")
+    add_library(ONNXRuntime::Headers INTERFACE IMPORTED)
+    set_target_properties(ONNXRuntime::Headers PROPERTIES
+        INTERFACE_INCLUDE_DIRECTORIES "${ONNXRuntime_INCLUDE_DIR}")
+endif()

@@ -1,0 +1,105 @@
+#include "detect/Detector.h"
+
+#include "core/RandomSource.h"
+#include "detect/Characters.h"
+#include "detect/ExactSearch.h"
+#include "detect/FuzzySearch.h"
+#include "detect/PatternMatcher.h"
+#include "detect/RecognizedBoxes.h"
+
+#include <algorithm>
+
+namespace murkwell::Detector {
+namespace {
+
+// Every box of a search is made here.
+class Results {
+public:
+    Results(RedactionStyle chosen, RandomSource& source) : style(chosen), random(source) {}
+
+    void add(const RecognizerRect& box) {
+        redactions.push_back({Uuid::random(random), normalize(box), style, true});
+    }
+
+    std::vector<Redaction> redactions;
+
+private:
+    RedactionStyle style;
+    RandomSource& random;
+};
+
+std::vector<PatternMatcher> matchersFor(const PIIKinds& kinds) {
+    std::vector<PatternMatcher> matchers;
+    for (const PIIKind kind : kinds) {
+        const auto text = pattern(kind);
+        if (auto matcher = text ? PatternMatcher::compile(*text) : std::nullopt) {
+            matchers.push_back(std::move(*matcher));
+        }
+    }
+    return matchers;
+}
+
+void addTextMatches(const Bitmap& image, const PIIKinds& kinds, TextRecognizer& recognizer,
+                    Results& results) {
+    const auto lines = recognizer.recognize(image);
+    if (!lines) {
+        return;
+    }
+    const std::vector<PatternMatcher> matchers = matchersFor(kinds);
+    for (const RecognizedLine& line : *lines) {
+        const std::u16string text = Characters::fromUtf8(line.text);
+        for (const PatternMatcher& matcher : matchers) {
+            for (const TextRange& range : matcher.matches(text)) {
+                results.add(boxOf(line, text, range));
+            }
+        }
+    }
+}
+
+void addFaces(const Bitmap& image, FaceDetector& detector, Results& results) {
+    const auto faces = detector.detectFaces(image);
+    if (!faces) {
+        return;
+    }
+    for (const RecognizerRect& face : *faces) {
+        results.add(expandedFace(face));
+    }
+}
+
+} // namespace
+
+std::vector<Redaction> detect(const Bitmap& image, const PIIKinds& kinds, RedactionStyle style,
+                              const Engines& engines) {
+    Results results(style, engines.random);
+    if (std::ranges::any_of(kinds, [](PIIKind kind) { return pattern(kind).has_value(); })) {
+        addTextMatches(image, kinds, engines.textRecognizer, results);
+    }
+    if (kinds.contains(PIIKind::faces)) {
+        addFaces(image, engines.faceDetector, results);
+    }
+    return std::move(results.redactions);
+}
+
+std::vector<Redaction> findMatches(std::string_view query, const Bitmap& image, bool fuzzy,
+                                   RedactionStyle style, const Engines& engines) {
+    const std::u16string typed = Characters::fromUtf8(query);
+    const std::u16string_view wanted = Characters::trimmed(typed);
+    if (wanted.empty()) {
+        return {};
+    }
+    const auto lines = engines.textRecognizer.recognize(image);
+    if (!lines) {
+        return {};
+    }
+    Results results(style, engines.random);
+    for (const RecognizedLine& line : *lines) {
+        const std::u16string text = Characters::fromUtf8(line.text);
+        const auto ranges = fuzzy ? fuzzyRanges(wanted, text) : exactRanges(wanted, text);
+        for (const TextRange& range : ranges) {
+            results.add(boxOf(line, text, range));
+        }
+    }
+    return std::move(results.redactions);
+}
+
+} // namespace murkwell::Detector

@@ -1,0 +1,178 @@
+#include "platform/ocr/TextRecognizerPpOcr.h"
+
+#include "core/ParallelFor.h"
+#include "platform/ocr/CharacterCuts.h"
+#include "platform/ocr/LineFinder.h"
+#include "platform/ocr/LineJoiner.h"
+#include "platform/ocr/LineReader.h"
+#include "platform/ocr/LineStrip.h"
+#include "platform/vision/InstalledFiles.h"
+#include "platform/vision/OnnxSession.h"
+#include "platform/vision/PixelMatrix.h"
+
+#include <algorithm>
+#include <exception>
+#include <fstream>
+#include <mutex>
+#include <numeric>
+#include <string>
+
+namespace murkwell {
+
+struct TextRecognizerPpOcr::Networks {
+    std::once_flag once;
+    std::unique_ptr<OnnxSession> finder;
+    std::unique_ptr<OnnxSession> reader;
+    std::string alphabet; // of the reader's outputs, the blank left out
+
+    [[nodiscard]] bool complete() const { return finder && reader && !alphabet.empty(); }
+};
+
+namespace {
+
+std::unique_ptr<OnnxSession> loadNetwork(const char* name, int threads) {
+    const auto file = installedModel(name);
+    return file ? OnnxSession::load(*file, 1, threads) : nullptr;
+}
+
+// One character a line. Empty when the file is missing or holds anything else.
+std::string loadAlphabet() {
+    const auto file = installedModel("characters.txt");
+    std::ifstream in(file.value_or(std::filesystem::path()));
+    std::string alphabet;
+    for (std::string line; std::getline(in, line);) {
+        if (line.size() != 1) {
+            return {};
+        }
+        alphabet += line;
+    }
+    return alphabet;
+}
+
+struct Reader {
+    OnnxSession& network;
+    const std::string& alphabet;
+};
+
+struct ReadLine {
+    PageLine line;
+    double confidence; // mean over the characters the network saw
+};
+
+PageLine pageLine(const LineStrip& strip, const std::vector<PlacedCharacter>& characters) {
+    // Strokes are thinner than what marks them: boxes keep a little of what is around.
+    const double along = 1;
+    const double across = 1 + .08 * strip.lineHeight();
+    const cv::Point2d reach =
+        strip.vertical ? cv::Point2d(across, along) : cv::Point2d(along, across);
+
+    const auto& c = strip.corners;
+    PageLine line{{},
+                  strip.pageBox(0, strip.image.cols),
+                  {},
+                  (c[0] + c[3]) / 2,
+                  (c[1] + c[2]) / 2,
+                  strip.lineHeight(),
+                  strip.vertical};
+    for (const PlacedCharacter& placed : characters) {
+        cv::Rect2d box = strip.pageBox(placed.left, placed.right);
+        line.text += placed.character;
+        line.characterBoxes.emplace_back(box.tl() - reach, box.br() + reach);
+    }
+    return line;
+}
+
+// None when there is nothing to read.
+std::optional<ReadLine> read(const cv::Mat& pixels, const cv::RotatedRect& place, Reading reading,
+                             const Reader& reader) {
+    const auto strip = cutStrip(pixels, place, reading);
+    const auto seen = strip ? readStrip(*strip, reader.network, reader.alphabet) : std::nullopt;
+    if (!seen || seen->empty()) {
+        return std::nullopt;
+    }
+    const auto placed = placeCharacters(*seen, strip->image);
+    if (placed.empty()) {
+        return std::nullopt;
+    }
+    const double sum = std::accumulate(
+        seen->begin(), seen->end(), 0.0,
+        [](double total, const ReadCharacter& next) { return total + next.confidence; });
+    return ReadLine{pageLine(*strip, placed), sum / static_cast<double>(seen->size())};
+}
+
+// A line that stands upright may run down or up: what reads better is right.
+std::optional<PageLine> readEitherWay(const cv::Mat& pixels, const cv::RotatedRect& place,
+                                      const Reader& reader) {
+    try {
+        auto best = read(pixels, place, Reading::along, reader);
+        if (isVertical(place)) {
+            auto other = read(pixels, place, Reading::against, reader);
+            if (other && (!best || other->confidence > best->confidence)) {
+                best = std::move(other);
+            }
+        }
+        return best ? std::optional(std::move(best->line)) : std::nullopt;
+    } catch (const std::exception&) {
+        return std::nullopt; // no memory for this line, or sizes that OpenCV refuses
+    }
+}
+
+std::vector<PageLine> readLines(const cv::Mat& pixels, const std::vector<cv::RotatedRect>& places,
+                                const Reader& reader) {
+    std::vector<std::optional<PageLine>> read(places.size());
+    parallelFor(places.size(),
+                [&](std::size_t i) { read[i] = readEitherWay(pixels, places[i], reader); });
+    std::vector<PageLine> lines;
+    for (auto& line : read) {
+        if (line) {
+            lines.push_back(std::move(*line));
+        }
+    }
+    return lines;
+}
+
+} // namespace
+
+TextRecognizerPpOcr::TextRecognizerPpOcr() : loaded(std::make_unique<Networks>()) {}
+TextRecognizerPpOcr::~TextRecognizerPpOcr() = default;
+
+TextRecognizerPpOcr::Networks& TextRecognizerPpOcr::networks() {
+    std::call_once(loaded->once, [this] {
+        // Lines are read one per processor; finding them is one run that all processors share.
+        loaded->finder = loadNetwork("text-lines.onnx", static_cast<int>(availableProcessors()));
+        loaded->reader = loadNetwork("text-reader.onnx", 1);
+        loaded->alphabet = loadAlphabet();
+    });
+    return *loaded;
+}
+
+bool TextRecognizerPpOcr::isUsable() {
+    return networks().complete();
+}
+
+std::optional<std::vector<RecognizedLine>> TextRecognizerPpOcr::recognize(const Bitmap& image) {
+    if (!isUsable()) {
+        return std::nullopt;
+    }
+    try {
+        const cv::Mat pixels = pixelsOf(image);
+        auto places = findLines(pixels, *loaded->finder);
+        if (!places) {
+            return std::nullopt;
+        }
+        // Long lines first, so that no processor is left with one at the end.
+        std::ranges::sort(*places, std::ranges::greater(), [](const cv::RotatedRect& place) {
+            return std::max(place.size.width, place.size.height);
+        });
+        std::vector<RecognizedLine> lines;
+        for (PageLine& line :
+             joinLines(readLines(pixels, *places, {*loaded->reader, loaded->alphabet}))) {
+            lines.push_back(recognizedLine(std::move(line), image));
+        }
+        return lines;
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+} // namespace murkwell

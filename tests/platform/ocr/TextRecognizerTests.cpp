@@ -1,0 +1,208 @@
+// The real engines, on pages drawn here. What needs ONNX Runtime and the models is skipped without.
+#include "platform/ocr/TextRecognizerCombined.h"
+
+#include "platform/vision/InstalledFiles.h"
+
+#include "tests/support/DrawnPage.h"
+#include "tests/support/ModelFolder.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace murkwell {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The characters of the text as one box, in pixels of the page from the top left; none when no line
+// holds the text.
+std::optional<cv::Rect2d> find(const std::vector<RecognizedLine>& lines, const std::string& text,
+                               const Bitmap& page) {
+    for (const RecognizedLine& line : lines) {
+        const std::size_t at = line.text.find(text);
+        if (at == std::string::npos || line.characterBoxes.size() != line.text.size()) {
+            continue;
+        }
+        cv::Rect2d all;
+        for (std::size_t i = at; i < at + text.size(); ++i) {
+            const RecognizerRect& box = line.characterBoxes[i];
+            const cv::Rect2d pixels(box.x * page.width(), (1 - box.maxY()) * page.height(),
+                                    box.width * page.width(), box.height * page.height());
+            all = all.area() > 0 ? all | pixels : pixels;
+        }
+        return all;
+    }
+    return std::nullopt;
+}
+
+bool covers(const cv::Rect2d& outer, const cv::Rect2d& inner) {
+    return (outer & inner).area() > .95 * inner.area();
+}
+
+// A line of text and where a part of it stands.
+struct Written {
+    DrawnPage page{700, 200};
+    cv::Rect all = page.write("Card 4111 1111 1111 1111", 60, 110);
+};
+
+void expectNumberFound(TextRecognizer& recognizer) {
+    const Written written;
+    const auto lines = recognizer.recognize(*written.page.bitmap);
+    ASSERT_TRUE(lines);
+    const auto box = find(*lines, "4111 1111 1111 1111", *written.page.bitmap);
+    ASSERT_TRUE(box);
+    const cv::Rect number(written.all.x + written.all.width / 5, written.all.y,
+                          written.all.width * 4 / 5, written.all.height);
+    EXPECT_TRUE(covers(*box, number)) << *box << " " << number;
+    EXPECT_LT(box->area(), 2.5 * number.area());
+}
+
+class PpOcr : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!recognizer.isUsable()) {
+            GTEST_SKIP() << "no ONNX Runtime or no models";
+        }
+    }
+
+    TextRecognizerPpOcr recognizer;
+};
+
+TEST_F(PpOcr, FindsANumberAndItsPlace) {
+    expectNumberFound(recognizer);
+}
+
+TEST_F(PpOcr, ReadsLinesThatRunDownAndUp) {
+    for (const auto turn : {cv::ROTATE_90_CLOCKWISE, cv::ROTATE_90_COUNTERCLOCKWISE}) {
+        const Written written;
+        DrawnPage turned(200, 700);
+        cv::rotate(pixelsOf(*written.page.bitmap), pixelsOf(*turned.bitmap), turn);
+        const auto lines = recognizer.recognize(*turned.bitmap);
+        ASSERT_TRUE(lines);
+        const auto box = find(*lines, "4111", *turned.bitmap);
+        ASSERT_TRUE(box) << turn;
+        // After "Card " as one reads: from the top or from the bottom.
+        const double along = turn == cv::ROTATE_90_CLOCKWISE ? box->y : 700 - box->br().y;
+        EXPECT_NEAR(along, 60 + written.all.width / 5.0, 25);
+    }
+}
+
+TEST_F(PpOcr, FourSearchesAtOnceAgree) {
+    const Written written;
+    std::vector<std::size_t> found(4);
+    {
+        std::vector<std::jthread> threads;
+        for (std::size_t& count : found) {
+            threads.emplace_back([&] {
+                const auto lines = recognizer.recognize(*written.page.bitmap);
+                count = lines && find(*lines, "1111", *written.page.bitmap) ? lines->size() : 0;
+            });
+        }
+    }
+    EXPECT_EQ(found, std::vector<std::size_t>(4, 1));
+}
+
+TEST(Tesseract, FindsANumberAndItsPlace) {
+    TextRecognizerTesseract recognizer;
+    expectNumberFound(recognizer);
+}
+
+TEST(Combined, FindsANumberAndItsPlace) {
+    TextRecognizerCombined recognizer;
+    expectNumberFound(recognizer);
+}
+
+TEST(Combined, WithoutModelsTesseractReadsAlone) {
+    const TemporaryFolder empty;
+    const ModelFolder models(empty.path);
+    TextRecognizerCombined recognizer;
+    EXPECT_TRUE(recognizer.readsWithTesseractAlone());
+    expectNumberFound(recognizer);
+}
+
+TEST(PpOcrModels, DamagedOnesAreLikeMissingOnes) {
+    const auto reader = installedModel("text-reader.onnx");
+    const auto finder = installedModel("text-lines.onnx");
+    const auto characters = installedModel("characters.txt");
+    if (!reader || !finder || !characters) {
+        GTEST_SKIP() << "no models";
+    }
+    struct Case {
+        const char* what;
+        const char* file;
+        fs::path source; // of what is put there; empty: ten bytes of nonsense
+        std::uintmax_t size;
+    };
+    for (const Case& c : std::vector<Case>{
+             {"cut off", "text-reader.onnx", *reader, fs::file_size(*reader) / 2},
+             {"empty", "text-lines.onnx", *finder, 0},
+             {"nonsense", "text-lines.onnx", {}, 10},
+             {"alphabet cut off", "characters.txt", *characters, 20},
+             {"not characters", "characters.txt", *finder, 1000},
+         }) {
+        const TemporaryFolder folder;
+        fs::copy_file(*reader, folder.path / "text-reader.onnx");
+        fs::copy_file(*finder, folder.path / "text-lines.onnx");
+        fs::copy_file(*characters, folder.path / "characters.txt");
+        const fs::path damaged = folder.path / c.file;
+        if (c.source.empty()) {
+            std::ofstream(damaged) << "not a model";
+        } else {
+            fs::copy_file(c.source, damaged, fs::copy_options::overwrite_existing);
+        }
+        fs::resize_file(damaged, c.size);
+        const ModelFolder models(folder.path);
+        TextRecognizerPpOcr recognizer;
+        const Written written;
+        const auto lines = recognizer.recognize(*written.page.bitmap);
+        EXPECT_TRUE(!lines || lines->empty()) << c.what;
+    }
+}
+
+TEST(Combined, PagesWithoutTextGiveNoneOfIt) {
+    TextRecognizerCombined recognizer;
+    for (const auto& [width, height] :
+         std::vector<std::pair<int, int>>{{1, 1}, {2, 3}, {1, 3000}, {3000, 1}, {400, 300}}) {
+        DrawnPage page(width, height);
+        for (const int level : {255, 0}) {
+            page.fill({static_cast<double>(level), static_cast<double>(level),
+                       static_cast<double>(level), 255});
+            const auto lines = recognizer.recognize(*page.bitmap);
+            ASSERT_TRUE(lines) << width << " x " << height;
+            for (const RecognizedLine& line : *lines) {
+                EXPECT_TRUE(std::ranges::none_of(line.text, ::isdigit)) << line.text;
+            }
+        }
+    }
+}
+
+TEST(Combined, NoiseGivesFiniteBoxes) {
+    TextRecognizerCombined recognizer;
+    DrawnPage page(300, 200);
+    page.addNoise();
+    const auto lines = recognizer.recognize(*page.bitmap);
+    ASSERT_TRUE(lines);
+    for (const RecognizedLine& line : *lines) {
+        for (const RecognizerRect& box : line.characterBoxes) {
+            EXPECT_TRUE(std::isfinite(box.x + box.y + box.width + box.height));
+        }
+    }
+}
+
+TEST(Combined, TransparentPaperIsWhite) {
+    Written written;
+    for (Rgba& pixel : written.page.bitmap->pixels()) {
+        pixel = {0, 0, 0, static_cast<std::uint8_t>(255 - pixel.r)};
+    }
+    TextRecognizerCombined recognizer;
+    const auto lines = recognizer.recognize(*written.page.bitmap);
+    ASSERT_TRUE(lines);
+    EXPECT_TRUE(find(*lines, "4111 1111 1111 1111", *written.page.bitmap));
+}
+
+} // namespace
+} // namespace murkwell
