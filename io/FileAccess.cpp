@@ -67,9 +67,16 @@ bool writeAll(int descriptor, std::span<const std::byte> bytes) {
     return true;
 }
 
-bool writeDirectly(const fs::path& location, std::span<const std::byte> bytes) {
+using Parts = std::span<const std::span<const std::byte>>;
+
+bool writeAll(int descriptor, Parts parts) {
+    return std::ranges::all_of(
+        parts, [&](std::span<const std::byte> part) { return writeAll(descriptor, part); });
+}
+
+bool writeDirectly(const fs::path& location, Parts parts) {
     FileDescriptor file(::open(location.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
-    return file.isOpen() && writeAll(file.get(), bytes) && file.close();
+    return file.isOpen() && writeAll(file.get(), parts) && file.close();
 }
 
 // Makes a rename in this folder survive a power cut. The file itself is already complete, so a
@@ -100,14 +107,13 @@ std::pair<FileDescriptor, fs::path> createTemporary(const fs::path& folder) {
 }
 
 // Permissions: those of the file that is replaced; none for a new file, which gets the usual ones.
-bool replaceFile(const fs::path& target, std::optional<mode_t> permissions,
-                 std::span<const std::byte> bytes) {
+bool replaceFile(const fs::path& target, std::optional<mode_t> permissions, Parts parts) {
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
     auto [file, temporary] = createTemporary(folder);
     if (!file.isOpen()) {
         return false;
     }
-    const bool replaced = writeAll(file.get(), bytes) &&
+    const bool replaced = writeAll(file.get(), parts) &&
                           (!permissions || ::fchmod(file.get(), *permissions) == 0) &&
                           ::fsync(file.get()) == 0 && file.close() &&
                           ::rename(temporary.c_str(), target.c_str()) == 0;
@@ -145,16 +151,20 @@ std::optional<std::vector<std::byte>> readFile(const fs::path& location) {
 }
 
 bool writeFileAtomically(const fs::path& location, std::span<const std::byte> bytes) {
+    return writeFileAtomically(location, Parts(&bytes, 1));
+}
+
+bool writeFileAtomically(const fs::path& location, Parts parts) {
     std::error_code error;
     const fs::path resolved = fs::canonical(location, error);
     struct stat status {};
     if (error || ::stat(resolved.c_str(), &status) != 0) {
-        return replaceFile(location, std::nullopt, bytes);
+        return replaceFile(location, std::nullopt, parts);
     }
     if (S_ISREG(status.st_mode)) {
-        return replaceFile(resolved, status.st_mode & 07777, bytes);
+        return replaceFile(resolved, status.st_mode & 07777, parts);
     }
-    return !S_ISDIR(status.st_mode) && writeDirectly(resolved, bytes);
+    return !S_ISDIR(status.st_mode) && writeDirectly(resolved, parts);
 }
 
 } // namespace murkwell

@@ -19,4 +19,8 @@ namespace murkwell {
 [[nodiscard]] bool writeFileAtomically(const std::filesystem::path& location,
                                        std::span<const std::byte> bytes);
 
+// The same for bytes that lie in several places, one part after the other.
+[[nodiscard]] bool writeFileAtomically(const std::filesystem::path& location,
+                                       std::span<const std::span<const std::byte>> parts);
+
 } // namespace murkwell
