@@ -75,6 +75,20 @@ public:
         }
     }
 
+    // All the way back, and forth again.
+    void rewind() {
+        while (model.canUndo()) {
+            model.undo();
+            naive.undo();
+            expectEqual();
+        }
+        while (model.canRedo()) {
+            model.redo();
+            naive.redo();
+            expectEqual();
+        }
+    }
+
     void expectEqual() {
         ASSERT_EQ(model.redactionsByPage().toVector(), naive.now.lists);
         ASSERT_EQ(model.currentPage(), naive.now.page);
@@ -347,6 +361,8 @@ TEST(RandomSteps, AgreeWithANaiveListOfStatesAtEveryStep) {
                 FAIL() << "seed " << seed << ", step " << i;
             }
         }
+        walk.rewind();
+        ASSERT_FALSE(testing::Test::HasFatalFailure()) << "seed " << seed;
     }
 }
 
