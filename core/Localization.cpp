@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
+#include <sstream>
+#include <utility>
 
 namespace murkwell {
 namespace {
@@ -24,7 +25,7 @@ public:
         return first == magic || first == swappedMagic;
     }
 
-    [[nodiscard]] std::uint32_t count() const { return number(8).value_or(0); }
+    [[nodiscard]] std::optional<std::uint32_t> count() const { return number(8); }
     [[nodiscard]] std::optional<std::string_view> english(std::uint32_t i) const {
         return text(12, i);
     }
@@ -84,18 +85,17 @@ std::vector<std::string> cataloguesOf(std::string_view language) {
 } // namespace
 
 std::optional<Catalogue> Catalogue::load(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) {
+    std::ostringstream content;
+    if (!(content << std::ifstream(file, std::ios::binary).rdbuf())) {
         return std::nullopt;
     }
     Catalogue catalogue;
-    catalogue.content = std::make_shared<const std::string>(std::istreambuf_iterator<char>(stream),
-                                                            std::istreambuf_iterator<char>());
+    catalogue.content = std::make_shared<const std::string>(std::move(content).str());
     MoReader reader(*catalogue.content);
-    if (!reader.readMagic()) {
+    if (!reader.readMagic() || !reader.count()) {
         return std::nullopt;
     }
-    for (std::uint32_t i = 0; i < reader.count(); ++i) {
+    for (std::uint32_t i = 0; i < *reader.count(); ++i) {
         const auto english = reader.english(i);
         const auto translated = reader.translated(i);
         if (!english || !translated) {

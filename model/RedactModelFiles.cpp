@@ -163,7 +163,7 @@ void RedactModel::saveSessionAs() {
 }
 
 std::string RedactModel::defaultSessionName() const {
-    std::string base = "Untitled";
+    std::string base = localized("Untitled");
     if (sourceFilename) {
         base = baseName(*sourceFilename);
     } else if (document()) {
