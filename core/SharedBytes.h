@@ -22,6 +22,10 @@ public:
         owner = whole;
     }
 
+    // Takes over the first bytes of an array.
+    SharedBytes(std::shared_ptr<const std::byte[]> array, std::size_t count)
+        : owner(array), view(array.get(), count) {}
+
     [[nodiscard]] std::span<const std::byte> bytes() const { return view; }
     [[nodiscard]] std::size_t size() const { return view.size(); }
 

@@ -29,14 +29,6 @@ bool isSource(const fs::path& file) {
            (std::ranges::any_of(DocumentIO::imageTypes(), conforms) || conforms(ContentType::pdf));
 }
 
-std::optional<SharedBytes> readShared(const fs::path& file) {
-    auto bytes = readFile(file);
-    if (!bytes) {
-        return std::nullopt;
-    }
-    return SharedBytes(std::move(*bytes));
-}
-
 std::vector<std::vector<StoredRedaction>> stored(const PageLists& lists) {
     std::vector<std::vector<StoredRedaction>> pages(lists.size());
     for (std::size_t i = 0; i < lists.size(); ++i) {
@@ -88,7 +80,7 @@ void RedactModel::openSource(const fs::path& url) {
         return;
     }
     const PageLists empty(loaded->pages.size());
-    replaceWork({std::move(loaded), empty, readShared(url), lastPathComponent(url), std::nullopt});
+    replaceWork({std::move(loaded), empty, readFile(url), lastPathComponent(url), std::nullopt});
 }
 
 void RedactModel::openPanel() {
@@ -102,7 +94,7 @@ void RedactModel::openPanel() {
 // The stored name is only ever joined to the folder as a name: one that was made to lead elsewhere
 // must not decide where an export is proposed.
 void RedactModel::openSession(const fs::path& url) {
-    const auto file = readShared(url);
+    const auto file = readFile(url);
     auto saved = file ? decode(*file) : std::nullopt;
     if (!saved) {
         fail(couldNotOpen, url);
