@@ -2,6 +2,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
+#include "core/Localization.h"
 #include "core/RandomSource.h"
 #include "platform/faces/FaceDetectorUltraFace.h"
 #include "platform/image/ImageCodecVips.h"
@@ -38,6 +39,7 @@ void reportMissing(const cli::SearchArguments& search, TextRecognizerCombined& t
 } // namespace
 
 int main(int argc, char** argv) {
+    useCatalogue(findCatalogue(catalogueFolder(), userLanguages()));
     const auto command = cli::parseArguments(argc, argv);
     PdfRendererMuPdf pdfRenderer;
     PdfWriterMuPdf pdfWriter;
@@ -45,8 +47,8 @@ int main(int argc, char** argv) {
     TextRecognizerCombined textRecognizer;
     FaceDetectorUltraFace faceDetector;
     SystemRandomSource random;
-    const DocumentIO::Engines engines{pdfRenderer, pdfWriter, imageCodec, random};
-    const Detector::Engines recognition{textRecognizer, faceDetector, random};
+    const cli::Engines engines{{pdfRenderer, pdfWriter, imageCodec, random},
+                               {textRecognizer, faceDetector, random}};
 
     return std::visit(
         [&](const auto& chosen) {
@@ -56,13 +58,13 @@ int main(int argc, char** argv) {
                 return chosen.exitCode;
             } else if constexpr (std::is_same_v<Chosen, cli::RedactArguments>) {
                 reportMissing(chosen.search, textRecognizer, faceDetector);
-                return cli::redact(chosen, engines, recognition) ? 0 : 1;
+                return cli::redact(chosen, engines) ? 0 : 1;
             } else if constexpr (std::is_same_v<Chosen, cli::ScanArguments>) {
                 reportMissing(chosen.search, textRecognizer, faceDetector);
-                return cli::scan(chosen, engines, recognition) ? 0 : 1;
+                return cli::scan(chosen, engines) ? 0 : 1;
             } else if constexpr (std::is_same_v<Chosen, cli::TextArguments>) {
                 reportMissing(true, false, textRecognizer, faceDetector);
-                return cli::text(chosen, engines, textRecognizer) ? 0 : 1;
+                return cli::text(chosen, engines) ? 0 : 1;
             } else {
                 return cli::info(chosen, engines) ? 0 : 1;
             }

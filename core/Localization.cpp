@@ -168,6 +168,12 @@ std::vector<std::string> userLanguages() {
     return languages;
 }
 
+std::filesystem::path catalogueFolder() {
+    std::error_code ignored;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    return program.parent_path().parent_path() / "share" / "locale";
+}
+
 std::optional<Catalogue> findCatalogue(const std::filesystem::path& folder,
                                        std::span<const std::string> languages) {
     for (const std::string& language : languages) {

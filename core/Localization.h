@@ -71,6 +71,9 @@ void useCatalogue(std::optional<Catalogue> catalogue);
 // reads them; English comes last.
 [[nodiscard]] std::vector<std::string> userLanguages();
 
+// share/locale beside the folder of the running program, installed or not.
+[[nodiscard]] std::filesystem::path catalogueFolder();
+
 // The catalogue of the first of these languages for which FOLDER/LANGUAGE/LC_MESSAGES/murkwell.mo
 // is there; that of de for de_AT.
 [[nodiscard]] std::optional<Catalogue> findCatalogue(const std::filesystem::path& folder,

@@ -170,6 +170,9 @@ private:
     void writeSession(const std::filesystem::path& url);
     [[nodiscard]] std::string defaultSessionName() const;
     [[nodiscard]] bool confirmPDFFlattenIfNeeded();
+    // Files that are there already and must not be replaced by an export or a saved document.
+    [[nodiscard]] bool isOpenSession(const std::filesystem::path& file) const;
+    [[nodiscard]] bool isOpenSource(const std::filesystem::path& file) const;
     // What keeps an export from being made, as a message; none when it can be.
     [[nodiscard]] std::optional<std::string> obstacleToExport() const;
     void fail(std::string_view englishFormat, const std::filesystem::path& file);

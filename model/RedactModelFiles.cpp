@@ -29,6 +29,11 @@ bool isSource(const fs::path& file) {
            (std::ranges::any_of(DocumentIO::imageTypes(), conforms) || conforms(ContentType::pdf));
 }
 
+bool isSameFile(const fs::path& a, const fs::path& b) {
+    std::error_code ignored;
+    return fs::equivalent(a, b, ignored);
+}
+
 std::vector<std::vector<StoredRedaction>> stored(const PageLists& lists) {
     std::vector<std::vector<StoredRedaction>> pages(lists.size());
     for (std::size_t i = 0; i < lists.size(); ++i) {
@@ -171,13 +176,22 @@ void RedactModel::writeSession(const fs::path& url) {
     }
     const auto encoded = encode({MurkwellDocument::currentVersion, *sourceFilename, *sourceData,
                                  stored(redactionsByPage())});
-    if (!encoded || !writeFileAtomically(url, encoded->parts())) {
+    if (isOpenSource(url) || !encoded || !writeFileAtomically(url, encoded->parts())) {
         fail(couldNotWrite, url);
         return;
     }
     sessionURL = url;
     isDirty = false;
     succeed(translatable("Saved %@"), url);
+}
+
+bool RedactModel::isOpenSession(const fs::path& file) const {
+    return sessionURL() && isSameFile(file, *sessionURL());
+}
+
+// A saved document may have any source name, its own included.
+bool RedactModel::isOpenSource(const fs::path& file) const {
+    return !isOpenSession(file) && isSameFile(file, document()->url);
 }
 
 std::optional<std::string> RedactModel::obstacleToExport() const {
@@ -212,8 +226,8 @@ void RedactModel::exportDocument() {
         errorMessage = obstacle;
         return;
     }
-    if (!DocumentIO::write(*document(), redactionsByPage().toVector(), *chosen,
-                           services.documents)) {
+    if (isOpenSession(*chosen) || !DocumentIO::write(*document(), redactionsByPage().toVector(),
+                                                     *chosen, services.documents)) {
         fail(couldNotWrite, *chosen);
         return;
     }

@@ -335,6 +335,27 @@ TEST_F(Files, AFullDiskAndAReadOnlyFolderLeaveTheEarlierFile) {
     EXPECT_EQ(std::distance(fs::directory_iterator(disk.folder), {}), 1);
 }
 
+TEST_F(Files, NeitherTheSourceNorTheOpenWorkIsReplacedByAnotherKindOfFile) {
+    startWork();
+    const fs::path source = bench.folder / "scan.pdf";
+    const fs::path work = save();
+    const std::string saved = contentOf(work);
+    bench.panels.saved = source;
+    model.saveSessionAs();
+    EXPECT_EQ(model.errorMessage(), "Couldn’t write to “scan.pdf”.");
+    model.exportDocument();
+    EXPECT_EQ(model.errorMessage(), "Couldn’t write to “scan.pdf”.");
+    bench.panels.saved = work;
+    model.exportDocument();
+    EXPECT_EQ(model.errorMessage(), "Couldn’t write to “work.murkwell”.");
+    EXPECT_EQ(contentOf(source), "the PDF");
+    EXPECT_EQ(contentOf(work), saved);
+    fs::create_symlink(work, bench.folder / "link.murkwell");
+    bench.panels.saved = bench.folder / "link.murkwell";
+    model.saveSessionAs(); // the same work under another name
+    EXPECT_FALSE(model.errorMessage());
+}
+
 TEST_F(Files, KilledWhileSavingTheFileIsAlwaysOneOfTheTwo) {
     const fs::path file = bench.folder / "work.murkwell";
     bench.panels.saved = file;
