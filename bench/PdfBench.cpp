@@ -20,12 +20,12 @@ using namespace murkwell;
 constexpr int turns = 5;
 
 std::vector<std::byte> read(const char* path) {
-    auto bytes = readFile(path);
-    if (!bytes) {
+    const auto file = readFile(path);
+    if (!file) {
         std::fprintf(stderr, "PdfBench: cannot read %s\n", path);
         std::exit(2);
     }
-    return std::move(*bytes);
+    return {file->bytes().begin(), file->bytes().end()};
 }
 
 std::vector<BitmapRef> load(const std::vector<std::byte>& pdf) {

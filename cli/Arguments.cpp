@@ -1,5 +1,8 @@
 #include "cli/Arguments.h"
 
+#include "io/ContentType.h"
+#include "io/FileName.h"
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
@@ -74,6 +77,11 @@ std::vector<std::filesystem::path> paths(const std::vector<std::string>& texts) 
     return {texts.begin(), texts.end()};
 }
 
+// Such a source may have boxes of its own.
+bool isSavedDocument(const std::filesystem::path& source) {
+    return ContentType::fromExtension(pathExtension(source)) == ContentType::session;
+}
+
 CLI::Validator boxValidator() {
     return {[](std::string& text) {
                 return parseBox(text) ? std::string()
@@ -131,6 +139,7 @@ struct RedactOptions {
     std::vector<std::string> sources;
     std::string output;
     std::string outputFolder;
+    std::string savedDocument;
     std::vector<std::string> boxes;
     SearchOptions search;
     std::string style{rawValue(RedactionStyle::solidBlack)};
@@ -138,11 +147,14 @@ struct RedactOptions {
     bool json = false;
 
     void addTo(CLI::App& command) {
-        command.add_option("SOURCE", sources, "Images and PDFs")->required();
+        command.add_option("SOURCE", sources, "Images, PDFs and saved documents")->required();
         auto* const file = command.add_option("-o,--output", output,
                                               "Where to write (one SOURCE only; default: beside "
                                               "it, with -redacted in the name)");
         command.add_option("--out-dir", outputFolder, "Folder to write into")->excludes(file);
+        command.add_option("--save", savedDocument,
+                           "Save the work as a document (one SOURCE only); without -o and "
+                           "--out-dir, nothing is exported");
         command
             .add_option("--box", boxes,
                         "PAGE:X,Y,W,H[:STYLE]; pages count from 1, the rest are fractions of the "
@@ -161,8 +173,14 @@ struct RedactOptions {
         if (!output.empty() && sources.size() > 1) {
             return Ending{wrongUsage, "-o takes one SOURCE; use --out-dir for several"};
         }
+        if (!savedDocument.empty() && sources.size() > 1) {
+            return Ending{wrongUsage, "--save takes one SOURCE"};
+        }
         RedactArguments arguments;
         arguments.sources = paths(sources);
+        if (!savedDocument.empty()) {
+            arguments.savedDocument = savedDocument;
+        }
         if (!output.empty()) {
             arguments.output = output;
         }
@@ -173,7 +191,8 @@ struct RedactOptions {
             arguments.boxes.push_back(*parseBox(box));
         }
         arguments.search = search.checked();
-        if (arguments.boxes.empty() && !arguments.search.wanted()) {
+        if (arguments.boxes.empty() && !arguments.search.wanted() &&
+            !std::ranges::all_of(arguments.sources, isSavedDocument)) {
             return Ending{wrongUsage, "Nothing to redact: give --box, --detect or --find"};
         }
         arguments.style = *redactionStyle(style);
@@ -189,7 +208,7 @@ struct ScanOptions {
     SearchOptions search;
 
     void addTo(CLI::App& command) {
-        command.add_option("SOURCE", sources, "Images and PDFs")->required();
+        command.add_option("SOURCE", sources, "Images, PDFs and saved documents")->required();
         search.addTo(command);
     }
 
@@ -208,7 +227,7 @@ struct TextOptions {
     std::string page{allWord};
 
     void addTo(CLI::App& command) {
-        command.add_option("SOURCE", sources, "Images and PDFs")->required();
+        command.add_option("SOURCE", sources, "Images, PDFs and saved documents")->required();
         command.add_option("--page", page, "The page to read, or all")->check(pagesValidator());
     }
 
@@ -281,7 +300,7 @@ Command parseArguments(int argc, const char* const* argv) {
 
     std::vector<std::string> infoSources;
     auto* const infoCommand = app.add_subcommand("info", "Print type and page sizes as JSON lines");
-    infoCommand->add_option("SOURCE", infoSources, "Images and PDFs")->required();
+    infoCommand->add_option("SOURCE", infoSources, "Images, PDFs and saved documents")->required();
 
     try {
         app.parse(argc, argv);

@@ -42,17 +42,20 @@ struct RedactArguments {
     std::vector<std::filesystem::path> sources;
     std::optional<std::filesystem::path> output;
     std::optional<std::filesystem::path> outputFolder;
+    std::optional<std::filesystem::path> savedDocument;
     std::vector<BoxArgument> boxes;
     SearchArguments search;
     RedactionStyle style = RedactionStyle::solidBlack; // for boxes that name none
     bool force = false;
     bool json = false;
+
+    // Work that is saved is exported as well only where the export is given a place.
+    [[nodiscard]] bool exports() const { return !savedDocument || output || outputFolder; }
 };
 
 struct ScanArguments {
     std::vector<std::filesystem::path> sources;
     SearchArguments search;
-    RedactionStyle style = RedactionStyle::solidBlack;
 };
 
 struct TextArguments {

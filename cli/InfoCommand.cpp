@@ -6,17 +6,18 @@
 
 namespace murkwell::cli {
 
-bool info(const InfoArguments& arguments, const DocumentIO::Engines& engines) {
+bool info(const InfoArguments& arguments, const Engines& engines) {
     Progress progress(arguments.sources.size());
     bool allDone = true;
     for (const auto& source : arguments.sources) {
         progress.begin(source);
-        const auto document = DocumentIO::load(source, engines);
-        if (!document) {
-            printFailure(couldNotOpen(source));
+        HeadlessModel headless(engines);
+        if (const auto failure = headless.open(source)) {
+            printFailure(*failure);
             allDone = false;
             continue;
         }
+        const auto& document = headless.model.document();
         auto pages = nlohmann::ordered_json::array();
         for (const auto& page : document->pages) {
             pages.push_back({page.image->width(), page.image->height()});

@@ -1,5 +1,6 @@
 #include "cli/Output.h"
 
+#include "core/Localization.h"
 #include "io/FileName.h"
 
 #include <iostream>
@@ -25,17 +26,19 @@ void printFailure(std::string_view message) {
     std::cerr << message << std::endl;
 }
 
-std::string couldNotOpen(const std::filesystem::path& file) {
-    return "Couldn’t open “" + lastPathComponent(file) + "”.";
+std::string alreadyThere(const std::filesystem::path& file) {
+    return localized("Couldn’t write to “%@”. It is there already; --force replaces it, but not "
+                     "with two sources.",
+                     {lastPathComponent(file)});
 }
 
-std::string couldNotWrite(const std::filesystem::path& file) {
-    return "Couldn’t write to “" + lastPathComponent(file) + "”.";
+std::string boxTooSmall(const std::filesystem::path& file) {
+    return localized("A box for “%@” is too small.", {lastPathComponent(file)});
 }
 
 std::string noSuchPage(const std::filesystem::path& file, int page, std::size_t pageCount) {
-    return "“" + lastPathComponent(file) + "” has no page " + std::to_string(page) +
-           "; its last page is " + std::to_string(pageCount) + ".";
+    return localized("“%@” has no page %d; its last page is %d.",
+                     {lastPathComponent(file), page, pageCount});
 }
 
 Progress::Progress(std::size_t fileCount)

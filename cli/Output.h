@@ -15,8 +15,9 @@ void printJson(const nlohmann::ordered_json& line);
 
 void printFailure(std::string_view message);
 
-[[nodiscard]] std::string couldNotOpen(const std::filesystem::path& file);
-[[nodiscard]] std::string couldNotWrite(const std::filesystem::path& file);
+// Messages that the model does not have, in the user's language.
+[[nodiscard]] std::string alreadyThere(const std::filesystem::path& file);
+[[nodiscard]] std::string boxTooSmall(const std::filesystem::path& file);
 [[nodiscard]] std::string noSuchPage(const std::filesystem::path& file, int page,
                                      std::size_t pageCount);
 

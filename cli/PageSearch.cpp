@@ -1,32 +1,8 @@
 #include "cli/PageSearch.h"
 
-#include <algorithm>
-#include <iterator>
 #include <numeric>
 
 namespace murkwell::cli {
-namespace {
-
-// Reads one page at the first call and repeats itself at all others.
-class ReadOnce final : public TextRecognizer {
-public:
-    explicit ReadOnce(TextRecognizer& used) : recognizer(used) {}
-
-    std::optional<std::vector<RecognizedLine>> recognize(const Bitmap& image) override {
-        if (!asked) {
-            lines = recognizer.recognize(image);
-            asked = true;
-        }
-        return lines;
-    }
-
-private:
-    TextRecognizer& recognizer;
-    bool asked = false;
-    std::optional<std::vector<RecognizedLine>> lines;
-};
-
-} // namespace
 
 std::vector<std::size_t> pagesIn(const DocumentIO::Document& document, std::optional<int> page) {
     const std::size_t count = document.pages.size();
@@ -39,16 +15,17 @@ std::vector<std::size_t> pagesIn(const DocumentIO::Document& document, std::opti
     return all;
 }
 
-std::vector<Redaction> searchPage(const Bitmap& page, const SearchArguments& arguments,
-                                  RedactionStyle style, const Detector::Engines& engines) {
-    ReadOnce text(engines.textRecognizer);
-    const Detector::Engines here{text, engines.faceDetector, engines.random};
-    std::vector<Redaction> found = Detector::detect(page, arguments.kinds, style, here);
-    for (const std::string& query : arguments.queries) {
-        std::ranges::copy(Detector::findMatches(query, page, arguments.fuzzy, style, here),
-                          std::back_inserter(found));
+void search(RedactModel& model, const SearchArguments& arguments, RedactionStyle style) {
+    model.tool = style;
+    model.applyToAllPages = !arguments.page;
+    if (arguments.page) {
+        model.goToPage(*arguments.page - 1);
     }
-    return found;
+    model.detectKinds = arguments.kinds;
+    model.autoDetect(); // nothing, when no kind is wanted
+    for (const std::string& query : arguments.queries) {
+        model.redactMatches(query, arguments.fuzzy);
+    }
 }
 
 } // namespace murkwell::cli

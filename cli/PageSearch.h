@@ -1,9 +1,8 @@
-// Everything that one call is to find on one page.
+// Everything that one call is to find in a document.
 #pragma once
 
 #include "cli/Arguments.h"
-#include "detect/Detector.h"
-#include "io/DocumentIO.h"
+#include "model/RedactModel.h"
 
 #include <cstddef>
 #include <optional>
@@ -15,10 +14,8 @@ namespace murkwell::cli {
 [[nodiscard]] std::vector<std::size_t> pagesIn(const DocumentIO::Document& document,
                                                std::optional<int> page);
 
-// What is detected, then what each query finds. The page is read once, however much is asked.
-[[nodiscard]] std::vector<Redaction> searchPage(const Bitmap& page,
-                                                const SearchArguments& arguments,
-                                                RedactionStyle style,
-                                                const Detector::Engines& engines);
+// Adds what is detected, then what each query finds. The model's searches must be over when they
+// return, as those of a HeadlessModel are.
+void search(RedactModel& model, const SearchArguments& arguments, RedactionStyle style);
 
 } // namespace murkwell::cli

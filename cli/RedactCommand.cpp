@@ -2,8 +2,6 @@
 
 #include "cli/Output.h"
 #include "cli/PageSearch.h"
-#include "core/RandomSource.h"
-#include "io/FileName.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -13,6 +11,8 @@ namespace murkwell::cli {
 namespace {
 
 using std::filesystem::path;
+// A message when a file could not be done.
+using Failure = std::optional<std::string>;
 
 path destinationFor(const DocumentIO::Document& document, const RedactArguments& arguments) {
     if (arguments.output) {
@@ -30,99 +30,122 @@ int highestPage(const RedactArguments& arguments) {
     return highest;
 }
 
-using RedactionsByPage = std::vector<std::vector<Redaction>>;
-
-// What is found and, over it, the boxes that were given. Those name pages of the document.
-RedactionsByPage redactionsFor(const DocumentIO::Document& document,
-                               const RedactArguments& arguments,
-                               const Detector::Engines& recognition) {
-    RedactionsByPage byPage(document.pages.size());
-    for (const std::size_t index : pagesIn(document, arguments.search.page)) {
-        byPage[index] = searchPage(*document.pages[index].image, arguments.search, arguments.style,
-                                   recognition);
-    }
-    for (const BoxArgument& box : arguments.boxes) {
-        byPage[static_cast<std::size_t>(box.page - 1)].push_back(
-            {Uuid::random(recognition.random), box.rect, box.style.value_or(arguments.style),
-             false});
-    }
-    return byPage;
-}
-
-std::size_t countOf(const RedactionsByPage& redactions) {
-    std::size_t count = 0;
-    for (const auto& page : redactions) {
-        count += page.size();
-    }
-    return count;
+// False when a box is too small to be added.
+bool addBoxes(RedactModel& model, const RedactArguments& arguments) {
+    return std::ranges::all_of(arguments.boxes, [&](const BoxArgument& box) {
+        model.goToPage(box.page - 1);
+        model.tool = box.style.value_or(arguments.style);
+        return model.addRedaction(box.rect).has_value();
+    });
 }
 
 // One run over several sources, which must not write two of them to one file.
 class RedactRun {
 public:
-    RedactRun(const RedactArguments& given, const DocumentIO::Engines& used,
-              const Detector::Engines& searching)
-        : arguments(given), engines(used), recognition(searching) {}
+    RedactRun(const RedactArguments& given, const Engines& used)
+        : arguments(given), engines(used) {}
 
-    // A message when the file could not be done, else an empty one.
-    std::string redact(const path& source) {
-        const auto document = DocumentIO::load(source, engines);
-        if (!document) {
-            return couldNotOpen(source);
+    Failure redact(const path& source) {
+        HeadlessModel headless(engines);
+        RedactModel& model = headless.model;
+        if (auto failure = headless.open(source)) {
+            return failure;
         }
         const int highest = highestPage(arguments);
-        if (pagesIn(*document, highest).empty()) {
-            return noSuchPage(source, highest, document->pages.size());
+        if (pagesIn(*model.document(), highest).empty()) {
+            return noSuchPage(source, highest, model.document()->pages.size());
         }
-        const path destination = destinationFor(*document, arguments);
-        if (!mayWrite(destination)) {
-            return couldNotWrite(destination) +
-                   " It is there already; --force replaces it, but not with two sources.";
+        // Before the search, which takes its time.
+        const Targets targets = targetsFor(*model.document());
+        for (const auto& target : {targets.savedDocument, targets.exported}) {
+            if (target && !mayWrite(*target)) {
+                return alreadyThere(*target);
+            }
         }
-        const RedactionsByPage redactions = redactionsFor(*document, arguments, recognition);
-        if (!DocumentIO::write(*document, redactions, destination, engines)) {
-            return couldNotWrite(destination);
+        // What was found lies under the boxes that were given.
+        search(model, arguments.search, arguments.style);
+        if (!addBoxes(model, arguments)) {
+            return boxTooSmall(source);
         }
-        written.insert(weakly_canonical(destination));
-        report(source, destination, countOf(redactions));
-        return {};
+        if (auto failure = write(headless, targets)) {
+            return failure;
+        }
+        report(source, targets, model.totalRedactionCount());
+        return std::nullopt;
     }
 
 private:
-    [[nodiscard]] bool mayWrite(const path& destination) const {
-        std::error_code ignored;
-        if (!exists(destination, ignored) || !is_regular_file(destination, ignored)) {
-            return true; // what is no file is refused or written to as such
+    struct Targets {
+        std::optional<path> savedDocument;
+        std::optional<path> exported;
+    };
+
+    [[nodiscard]] Targets targetsFor(const DocumentIO::Document& document) const {
+        Targets targets{arguments.savedDocument, std::nullopt};
+        if (arguments.exports()) {
+            targets.exported = destinationFor(document, arguments);
         }
-        return arguments.force && !written.contains(weakly_canonical(destination));
+        return targets;
     }
 
-    void report(const path& source, const path& destination, std::size_t count) const {
-        if (arguments.json) {
-            printJson({{"file", source.string()},
-                       {"output", destination.string()},
-                       {"redactions", count}});
+    [[nodiscard]] bool mayWrite(const path& target) const {
+        std::error_code ignored;
+        if (!exists(target, ignored) || !is_regular_file(target, ignored)) {
+            return true; // what is no file is refused or written to as such
         }
+        return arguments.force && !written.contains(weakly_canonical(target));
+    }
+
+    Failure write(HeadlessModel& headless, const Targets& targets) {
+        RedactModel& model = headless.model;
+        if (targets.savedDocument) {
+            headless.panels.location = targets.savedDocument;
+            model.saveSessionAs();
+            if (model.errorMessage()) {
+                return model.errorMessage();
+            }
+        }
+        if (targets.exported) {
+            headless.panels.location = targets.exported;
+            model.exportDocument();
+            if (model.errorMessage()) {
+                return model.errorMessage();
+            }
+            written.insert(weakly_canonical(*targets.exported));
+        }
+        return std::nullopt;
+    }
+
+    void report(const path& source, const Targets& targets, std::size_t count) const {
+        if (!arguments.json) {
+            return;
+        }
+        nlohmann::ordered_json line{{"file", source.string()}};
+        if (targets.savedDocument) {
+            line["saved"] = targets.savedDocument->string();
+        }
+        if (targets.exported) {
+            line["output"] = targets.exported->string();
+        }
+        line["redactions"] = count;
+        printJson(line);
     }
 
     const RedactArguments& arguments;
-    const DocumentIO::Engines& engines;
-    const Detector::Engines& recognition;
+    const Engines& engines;
     std::set<path> written;
 };
 
 } // namespace
 
-bool redact(const RedactArguments& arguments, const DocumentIO::Engines& engines,
-            const Detector::Engines& recognition) {
+bool redact(const RedactArguments& arguments, const Engines& engines) {
     Progress progress(arguments.sources.size());
-    RedactRun run(arguments, engines, recognition);
+    RedactRun run(arguments, engines);
     bool allDone = true;
     for (const path& source : arguments.sources) {
         progress.begin(source);
-        const std::string failure = run.redact(source);
-        if (!failure.empty()) {
-            printFailure(failure);
+        if (const auto failure = run.redact(source)) {
+            printFailure(*failure);
             allDone = false;
         }
     }

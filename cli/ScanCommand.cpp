@@ -17,29 +17,37 @@ void printBox(const std::filesystem::path& source, std::size_t page, const Redac
                {"detected", redaction.detected}});
 }
 
+// A message when the file could not be done. A saved document's own boxes are printed as well.
+std::optional<std::string> scanFile(const std::filesystem::path& source,
+                                    const ScanArguments& arguments, const Engines& engines) {
+    HeadlessModel headless(engines);
+    RedactModel& model = headless.model;
+    if (auto failure = headless.open(source)) {
+        return failure;
+    }
+    const auto pages = pagesIn(*model.document(), arguments.search.page);
+    if (pages.empty()) {
+        return noSuchPage(source, *arguments.search.page, model.document()->pages.size());
+    }
+    search(model, arguments.search, RedactionStyle::solidBlack);
+    for (const std::size_t index : pages) {
+        for (const Redaction& redaction : model.redactionsByPage()[index]) {
+            printBox(source, index + 1, redaction);
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
-bool scan(const ScanArguments& arguments, const DocumentIO::Engines& engines,
-          const Detector::Engines& recognition) {
+bool scan(const ScanArguments& arguments, const Engines& engines) {
     Progress progress(arguments.sources.size());
     bool allDone = true;
     for (const auto& source : arguments.sources) {
         progress.begin(source);
-        const auto document = DocumentIO::load(source, engines);
-        const auto pages =
-            document ? pagesIn(*document, arguments.search.page) : std::vector<std::size_t>();
-        if (pages.empty()) {
-            printFailure(document
-                             ? noSuchPage(source, *arguments.search.page, document->pages.size())
-                             : couldNotOpen(source));
+        if (const auto failure = scanFile(source, arguments, engines)) {
+            printFailure(*failure);
             allDone = false;
-        }
-        for (const std::size_t index : pages) {
-            for (const Redaction& redaction :
-                 searchPage(*document->pages[index].image, arguments.search, arguments.style,
-                            recognition)) {
-                printBox(source, index + 1, redaction);
-            }
         }
     }
     return allDone;

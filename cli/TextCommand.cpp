@@ -33,28 +33,38 @@ void printLine(const std::filesystem::path& source, std::size_t number, const Bi
                {"chars", characters}});
 }
 
+// A message when the file could not be done.
+std::optional<std::string> readFile(const std::filesystem::path& source,
+                                    const TextArguments& arguments, const Engines& engines) {
+    HeadlessModel headless(engines);
+    if (auto failure = headless.open(source)) {
+        return failure;
+    }
+    const auto& document = headless.model.document();
+    const auto pages = pagesIn(*document, arguments.page);
+    if (pages.empty()) {
+        return noSuchPage(source, *arguments.page, document->pages.size());
+    }
+    for (const std::size_t index : pages) {
+        const Bitmap& page = *document->pages[index].image;
+        const auto lines = engines.recognition.textRecognizer.recognize(page);
+        for (const RecognizedLine& line : lines.value_or(std::vector<RecognizedLine>())) {
+            printLine(source, index + 1, page, line);
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
-bool text(const TextArguments& arguments, const DocumentIO::Engines& engines,
-          TextRecognizer& recognizer) {
+bool text(const TextArguments& arguments, const Engines& engines) {
     Progress progress(arguments.sources.size());
     bool allDone = true;
     for (const auto& source : arguments.sources) {
         progress.begin(source);
-        const auto document = DocumentIO::load(source, engines);
-        const auto pages =
-            document ? pagesIn(*document, arguments.page) : std::vector<std::size_t>();
-        if (pages.empty()) {
-            printFailure(document ? noSuchPage(source, *arguments.page, document->pages.size())
-                                  : couldNotOpen(source));
+        if (const auto failure = readFile(source, arguments, engines)) {
+            printFailure(*failure);
             allDone = false;
-        }
-        for (const std::size_t index : pages) {
-            const Bitmap& page = *document->pages[index].image;
-            const auto lines = recognizer.recognize(page);
-            for (const RecognizedLine& line : lines.value_or(std::vector<RecognizedLine>())) {
-                printLine(source, index + 1, page, line);
-            }
         }
     }
     return allDone;

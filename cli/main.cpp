@@ -2,6 +2,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
+#include "core/Localization.h"
 #include "core/RandomSource.h"
 #include "platform/faces/FaceDetectorUltraFace.h"
 #include "platform/image/ImageCodecVips.h"
@@ -37,6 +38,7 @@ void reportMissing(const cli::SearchArguments& search, TextRecognizerCombined& t
 }
 
 int run(int argc, char** argv) {
+    useCatalogue(findCatalogue(catalogueFolder(), userLanguages()));
     const auto command = cli::parseArguments(argc, argv);
     PdfRendererMuPdf pdfRenderer;
     PdfWriterMuPdf pdfWriter;
@@ -44,8 +46,8 @@ int run(int argc, char** argv) {
     TextRecognizerCombined textRecognizer;
     FaceDetectorUltraFace faceDetector;
     SystemRandomSource random;
-    const DocumentIO::Engines engines{pdfRenderer, pdfWriter, imageCodec, random};
-    const Detector::Engines recognition{textRecognizer, faceDetector, random};
+    const cli::Engines engines{{pdfRenderer, pdfWriter, imageCodec, random},
+                               {textRecognizer, faceDetector, random}};
 
     return std::visit(
         [&](const auto& chosen) {
@@ -55,13 +57,13 @@ int run(int argc, char** argv) {
                 return chosen.exitCode;
             } else if constexpr (std::is_same_v<Chosen, cli::RedactArguments>) {
                 reportMissing(chosen.search, textRecognizer, faceDetector);
-                return cli::redact(chosen, engines, recognition) ? 0 : 1;
+                return cli::redact(chosen, engines) ? 0 : 1;
             } else if constexpr (std::is_same_v<Chosen, cli::ScanArguments>) {
                 reportMissing(chosen.search, textRecognizer, faceDetector);
-                return cli::scan(chosen, engines, recognition) ? 0 : 1;
+                return cli::scan(chosen, engines) ? 0 : 1;
             } else if constexpr (std::is_same_v<Chosen, cli::TextArguments>) {
                 reportMissing(true, false, textRecognizer, faceDetector);
-                return cli::text(chosen, engines, textRecognizer) ? 0 : 1;
+                return cli::text(chosen, engines) ? 0 : 1;
             } else {
                 return cli::info(chosen, engines) ? 0 : 1;
             }

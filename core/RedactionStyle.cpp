@@ -1,5 +1,7 @@
 #include "core/RedactionStyle.h"
 
+#include "core/Localization.h"
+
 #include <algorithm>
 
 namespace murkwell {
@@ -12,9 +14,9 @@ struct Texts {
 };
 
 constexpr std::array<Texts, allRedactionStyles.size()> texts{{
-    {"solidBlack", "Black bar", "rectangle.fill"},
-    {"solidWhite", "White bar", "rectangle"},
-    {"noise", "Noise", "square.grid.3x3.fill"},
+    {"solidBlack", translatable("Black bar"), "rectangle.fill"},
+    {"solidWhite", translatable("White bar"), "rectangle"},
+    {"noise", translatable("Noise"), "square.grid.3x3.fill"},
 }};
 
 const Texts& textsOf(RedactionStyle style) {

@@ -1,5 +1,7 @@
 #include "detect/PIIKind.h"
 
+#include "core/Localization.h"
+
 #include <algorithm>
 
 namespace murkwell {
@@ -15,13 +17,13 @@ struct Texts {
 // The patterns decide alone: no checksum, no range of numbers and no list of issuers is looked at,
 // so that a misread digit does not uncover a number.
 constexpr std::array<Texts, allPIIKinds.size()> texts{{
-    {"email", "Emails", "at", R"([A-Z0-9._%+-]+@[A-Z0-9.-]+\.[A-Z]{2,})"},
-    {"ssn", "SSNs", "person.text.rectangle", R"(\b\d{3}-\d{2}-\d{4}\b)"},
-    {"phone", "Phone numbers", "phone",
+    {"email", translatable("Emails"), "at", R"([A-Z0-9._%+-]+@[A-Z0-9.-]+\.[A-Z]{2,})"},
+    {"ssn", translatable("SSNs"), "person.text.rectangle", R"(\b\d{3}-\d{2}-\d{4}\b)"},
+    {"phone", translatable("Phone numbers"), "phone",
      R"((\+?\d{1,2}[\s.-]?)?\(?\d{3}\)?[\s.-]?\d{3}[\s.-]?\d{4})"},
-    {"creditCard", "Card numbers", "creditcard", R"(\b(?:\d[ -]?){13,16}\b)"},
-    {"ipAddress", "IP addresses", "network", R"(\b(?:\d{1,3}\.){3}\d{1,3}\b)"},
-    {"faces", "Faces", "face.dashed", std::nullopt},
+    {"creditCard", translatable("Card numbers"), "creditcard", R"(\b(?:\d[ -]?){13,16}\b)"},
+    {"ipAddress", translatable("IP addresses"), "network", R"(\b(?:\d{1,3}\.){3}\d{1,3}\b)"},
+    {"faces", translatable("Faces"), "face.dashed", std::nullopt},
 }};
 
 const Texts& textsOf(PIIKind kind) {

@@ -66,7 +66,7 @@ std::optional<Document> load(const std::filesystem::path& url, const Engines& en
     if (!data) {
         return std::nullopt;
     }
-    return load(*data, url, engines);
+    return load(data->bytes(), url, engines);
 }
 
 std::optional<Document> load(Bytes data, const std::filesystem::path& nominalURL,

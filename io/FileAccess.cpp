@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <new>
-#include <stdexcept>
 #include <string>
 #include <sys/stat.h>
 #include <system_error>
@@ -38,21 +39,44 @@ private:
     int value;
 };
 
-bool readAll(int descriptor, std::vector<std::byte>& bytes) {
-    std::size_t filled = 0;
-    for (;;) {
-        if (filled == bytes.size()) {
-            bytes.resize(filled + filled / 2 + (std::size_t{64} << 10));
+// Memory that is not cleared first: reading a large file would otherwise write all of it twice.
+class Buffer {
+public:
+    explicit Buffer(std::size_t capacity)
+        : bytes(std::make_unique_for_overwrite<std::byte[]>(capacity)), size(capacity) {}
+
+    // Room behind what is filled; at least one byte.
+    std::span<std::byte> room() {
+        if (filled == size) {
+            Buffer larger(size + size / 2 + (std::size_t{64} << 10));
+            std::memcpy(larger.bytes.get(), bytes.get(), filled);
+            larger.filled = filled;
+            *this = std::move(larger);
         }
-        const ssize_t count = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);
+        return {bytes.get() + filled, size - filled};
+    }
+
+    void fill(std::size_t count) { filled += count; }
+
+    SharedBytes share() && { return {std::move(bytes), filled}; }
+
+private:
+    std::unique_ptr<std::byte[]> bytes;
+    std::size_t size;
+    std::size_t filled = 0;
+};
+
+bool readAll(int descriptor, Buffer& buffer) {
+    for (;;) {
+        const auto room = buffer.room();
+        const ssize_t count = ::read(descriptor, room.data(), room.size());
         if (count < 0 && errno != EINTR) {
             return false;
         }
         if (count == 0) {
-            bytes.resize(filled);
             return true;
         }
-        filled += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+        buffer.fill(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }
 }
 
@@ -67,9 +91,16 @@ bool writeAll(int descriptor, std::span<const std::byte> bytes) {
     return true;
 }
 
-bool writeDirectly(const fs::path& location, std::span<const std::byte> bytes) {
+using Parts = std::span<const std::span<const std::byte>>;
+
+bool writeAll(int descriptor, Parts parts) {
+    return std::ranges::all_of(
+        parts, [&](std::span<const std::byte> part) { return writeAll(descriptor, part); });
+}
+
+bool writeDirectly(const fs::path& location, Parts parts) {
     FileDescriptor file(::open(location.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
-    return file.isOpen() && writeAll(file.get(), bytes) && file.close();
+    return file.isOpen() && writeAll(file.get(), parts) && file.close();
 }
 
 // Makes a rename in this folder survive a power cut. The file itself is already complete, so a
@@ -100,14 +131,13 @@ std::pair<FileDescriptor, fs::path> createTemporary(const fs::path& folder) {
 }
 
 // Permissions: those of the file that is replaced; none for a new file, which gets the usual ones.
-bool replaceFile(const fs::path& target, std::optional<mode_t> permissions,
-                 std::span<const std::byte> bytes) {
+bool replaceFile(const fs::path& target, std::optional<mode_t> permissions, Parts parts) {
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
     auto [file, temporary] = createTemporary(folder);
     if (!file.isOpen()) {
         return false;
     }
-    const bool replaced = writeAll(file.get(), bytes) &&
+    const bool replaced = writeAll(file.get(), parts) &&
                           (!permissions || ::fchmod(file.get(), *permissions) == 0) &&
                           ::fsync(file.get()) == 0 && file.close() &&
                           ::rename(temporary.c_str(), target.c_str()) == 0;
@@ -121,7 +151,7 @@ bool replaceFile(const fs::path& target, std::optional<mode_t> permissions,
 
 } // namespace
 
-std::optional<std::vector<std::byte>> readFile(const fs::path& location) {
+std::optional<SharedBytes> readFile(const fs::path& location) {
     // Without O_NONBLOCK, opening a pipe would wait for somebody to write to it.
     const FileDescriptor file(
         ::open(location.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
@@ -131,30 +161,31 @@ std::optional<std::vector<std::byte>> readFile(const fs::path& location) {
     }
     try {
         // One byte more than the size, so that the read that finds the end needs no new memory.
-        std::vector<std::byte> bytes(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) +
-                                     1);
-        if (!readAll(file.get(), bytes)) {
+        Buffer buffer(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1);
+        if (!readAll(file.get(), buffer)) {
             return std::nullopt;
         }
-        return bytes;
+        return std::move(buffer).share();
     } catch (const std::bad_alloc&) {
-        return std::nullopt;
-    } catch (const std::length_error&) {
         return std::nullopt;
     }
 }
 
 bool writeFileAtomically(const fs::path& location, std::span<const std::byte> bytes) {
+    return writeFileAtomically(location, Parts(&bytes, 1));
+}
+
+bool writeFileAtomically(const fs::path& location, Parts parts) {
     std::error_code error;
     const fs::path resolved = fs::canonical(location, error);
     struct stat status {};
     if (error || ::stat(resolved.c_str(), &status) != 0) {
-        return replaceFile(location, std::nullopt, bytes);
+        return replaceFile(location, std::nullopt, parts);
     }
     if (S_ISREG(status.st_mode)) {
-        return replaceFile(resolved, status.st_mode & 07777, bytes);
+        return replaceFile(resolved, status.st_mode & 07777, parts);
     }
-    return !S_ISDIR(status.st_mode) && writeDirectly(resolved, bytes);
+    return !S_ISDIR(status.st_mode) && writeDirectly(resolved, parts);
 }
 
 } // namespace murkwell

@@ -1,0 +1,79 @@
+// The editing model with nobody in front of it: what a panel would ask is answered from the command
+// line, and a search is over when it returns.
+#pragma once
+
+#include "cli/RememberedText.h"
+#include "model/RedactModel.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace murkwell::cli {
+
+// The libraries behind everything. Referred to, not owned.
+struct Engines {
+    DocumentIO::Engines documents;
+    Detector::Engines recognition;
+};
+
+// Runs every job at once, on the thread that gives it.
+class ImmediateExecutor final : public Executor {
+public:
+    void background(std::function<void()> job) override { job(); }
+    void onMain(std::function<void()> job) override { job(); }
+};
+
+// Never asks. A save panel is answered with the given location, a notice with its first button.
+class CommandLinePanels final : public Panels {
+public:
+    [[nodiscard]] std::vector<std::filesystem::path> run(const OpenPanel&) override { return {}; }
+    [[nodiscard]] std::optional<std::filesystem::path> run(const SavePanel&) override {
+        return location;
+    }
+    [[nodiscard]] std::size_t run(const Alert&) override { return 0; }
+
+    std::optional<std::filesystem::path> location;
+};
+
+// Nothing is kept from one run to the next.
+class NoPreferences final : public Preferences {
+public:
+    [[nodiscard]] bool boolean(std::string_view) const override { return false; }
+    void setBoolean(std::string_view, bool) override {}
+};
+
+class NoFileManager final : public FileManager {
+public:
+    void reveal(const std::filesystem::path&) override {}
+};
+
+// For one source. Text is read once per page, however often it is searched.
+class HeadlessModel {
+public:
+    explicit HeadlessModel(const Engines& engines)
+        : text(engines.recognition.textRecognizer),
+          model({executor,
+                 panels,
+                 preferences,
+                 fileManager,
+                 engines.documents,
+                 {text, engines.recognition.faceDetector, engines.recognition.random}}) {}
+
+    // The model's message when the source cannot be opened.
+    [[nodiscard]] std::optional<std::string> open(const std::filesystem::path& source) {
+        model.open({source});
+        return model.document() ? std::nullopt : model.errorMessage();
+    }
+
+private:
+    ImmediateExecutor executor;
+    NoPreferences preferences;
+    NoFileManager fileManager;
+    RememberedText text;
+
+public:
+    CommandLinePanels panels;
+    RedactModel model;
+};
+
+} // namespace murkwell::cli

@@ -1,0 +1,21 @@
+// Text between UTF-8, which the program uses, and UTF-16, which property lists use.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace murkwell {
+
+// Big-endian, without a byte order mark; an odd last byte is left out. None when a surrogate stands
+// alone.
+[[nodiscard]] std::optional<std::string> utf8FromUtf16(std::span<const std::byte> bigEndian);
+
+// Bytes that are no UTF-8, as a file's name may hold, become U+FFFD one by one.
+[[nodiscard]] std::u16string utf16FromUtf8(std::string_view text);
+
+[[nodiscard]] bool isAscii(std::string_view text);
+
+} // namespace murkwell

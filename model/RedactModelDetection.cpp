@@ -1,0 +1,160 @@
+#include "model/RedactModel.h"
+
+#include "core/Localization.h"
+#include "model/WhiteSpace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace murkwell {
+namespace {
+
+// In page space.
+constexpr double nearCentre = 0.01;
+constexpr double nearSize = 0.02;
+
+bool isNearDuplicate(const PageRect& a, const PageRect& b) {
+    const auto midX = [](const PageRect& r) { return r.minX() + std::abs(r.width) / 2; };
+    const auto midY = [](const PageRect& r) { return r.minY() + std::abs(r.height) / 2; };
+    return std::abs(midX(a) - midX(b)) < nearCentre && std::abs(midY(a) - midY(b)) < nearCentre &&
+           std::abs(std::abs(a.width) - std::abs(b.width)) < nearSize &&
+           std::abs(std::abs(a.height) - std::abs(b.height)) < nearSize;
+}
+
+// Those found that repeat neither a box that is there nor one found before them.
+std::vector<Redaction> deduplicated(const std::vector<Redaction>& found,
+                                    const std::vector<Redaction>& existing) {
+    std::vector<Redaction> accepted;
+    for (const Redaction& candidate : found) {
+        const auto repeats = [&](const Redaction& other) {
+            return isNearDuplicate(candidate.rect, other.rect);
+        };
+        if (std::ranges::none_of(existing, repeats) && std::ranges::none_of(accepted, repeats)) {
+            accepted.push_back(candidate);
+        }
+    }
+    return accepted;
+}
+
+std::string nothingFoundMessage(std::size_t targetCount) {
+    return targetCount > 1 ? localized("Found nothing to redact.")
+                           : localized("Found nothing to redact on this page.");
+}
+
+// Speaks of pages when several were searched, however many of them were hit.
+std::string addedMessage(std::size_t added, std::size_t pagesHit, std::size_t targetCount) {
+    if (targetCount > 1) {
+        return localized("Added %d redactions across %d pages.", {added, pagesHit});
+    }
+    return added == 1 ? localized("Added %d redaction.", {added})
+                      : localized("Added %d redactions.", {added});
+}
+
+} // namespace
+
+std::vector<std::int64_t> RedactModel::targetPages() const {
+    if (!document()) {
+        return {};
+    }
+    if (!applyToAllPages()) {
+        return {currentPage()};
+    }
+    std::vector<std::int64_t> pages;
+    for (std::size_t i = 0; i < document()->pages.size(); ++i) {
+        pages.push_back(static_cast<std::int64_t>(i));
+    }
+    return pages;
+}
+
+void RedactModel::autoDetect() {
+    if (!document() || activeOperation() || detectKinds().empty()) {
+        return;
+    }
+    runFind(translatable("Auto-Detect"), Operation::autoDetect,
+            [kinds = detectKinds(), style = tool(), engines = services.detection](
+                const Bitmap& image) { return Detector::detect(image, kinds, style, engines); });
+}
+
+void RedactModel::redactMatches(std::string_view query, bool fuzzy) {
+    const std::string_view trimmed = withoutOuterWhiteSpace(query);
+    if (!document() || activeOperation() || trimmed.empty()) {
+        return;
+    }
+    runFind(translatable("Redact Matches"), Operation::find,
+            [text = std::string(trimmed), fuzzy, style = tool(),
+             engines = services.detection](const Bitmap& image) {
+                return Detector::findMatches(text, image, fuzzy, style, engines);
+            });
+}
+
+void RedactModel::runFind(std::string_view name, Operation operation, Search search) {
+    const auto run = std::make_shared<SearchRun>();
+    run->name = localized(name);
+    run->targetPages = targetPages();
+    for (const DocumentIO::Page& page : document()->pages) {
+        run->images.push_back(page.image);
+    }
+    run->search = std::move(search);
+
+    activeOperation = operation;
+    statusMessage = std::nullopt;
+    errorMessage = std::nullopt;
+    services.executor.background(
+        [run, &executor = services.executor, alive = std::weak_ptr(liveness)] {
+            executor.onMain([run, alive, results = searchPages(*run)] {
+                if (const auto model = alive.lock()) {
+                    (*model)->finishFind(*run, results);
+                }
+            });
+        });
+}
+
+// On a background thread: page after page, in order.
+std::vector<RedactModel::PageMatches> RedactModel::searchPages(const SearchRun& run) {
+    std::vector<PageMatches> results;
+    for (const std::int64_t page : run.targetPages) {
+        if (page >= 0 && static_cast<std::uint64_t>(page) < run.images.size()) {
+            const auto index = static_cast<std::size_t>(page);
+            results.push_back({index, run.search(*run.images[index])});
+        }
+    }
+    return results;
+}
+
+// What was found goes to the work that is open now, judged by the boxes that are there now.
+void RedactModel::finishFind(const SearchRun& run, const std::vector<PageMatches>& results) {
+    activeOperation = std::nullopt;
+    const std::vector<PageMatches> additions = withoutDuplicates(results);
+    if (additions.empty()) {
+        statusMessage = nothingFoundMessage(run.targetPages.size());
+        return;
+    }
+    checkpoint(run.name);
+    std::size_t added = 0;
+    redactionsByPage.change([&](PageLists& lists) {
+        for (const auto& [page, fresh] : additions) {
+            auto& redactions = lists.edit(page);
+            redactions.insert(redactions.end(), fresh.begin(), fresh.end());
+            added += fresh.size();
+        }
+    });
+    statusMessage = addedMessage(added, additions.size(), run.targetPages.size());
+}
+
+// Pages that the open work does not have, and pages with nothing new, are left out.
+std::vector<RedactModel::PageMatches>
+RedactModel::withoutDuplicates(const std::vector<PageMatches>& results) const {
+    std::vector<PageMatches> additions;
+    for (const auto& [page, found] : results) {
+        if (page < redactionsByPage().size()) {
+            auto fresh = deduplicated(found, redactionsByPage()[page]);
+            if (!fresh.empty()) {
+                additions.push_back({page, std::move(fresh)});
+            }
+        }
+    }
+    return additions;
+}
+
+} // namespace murkwell

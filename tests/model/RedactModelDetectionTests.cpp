@@ -1,0 +1,306 @@
+#include "model/RedactModel.h"
+
+#include "model/WhiteSpace.h"
+#include "tests/support/ModelUnderTest.h"
+
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace murkwell {
+namespace {
+
+using Operation = RedactModel::Operation;
+
+// Far enough from each other not to be duplicates.
+RecognizerRect face(int i) {
+    return {0.05 + 0.1 * i, 0.4, 0.04, 0.1};
+}
+
+class Detection : public testing::Test {
+protected:
+    Detection() {
+        bench.openPdf();
+        bench.faces.answer = {face(0), face(1)};
+    }
+
+    void detect() {
+        model.autoDetect();
+        bench.executor.runAll();
+    }
+
+    ModelUnderTest bench;
+    RedactModel& model = *bench.model;
+};
+
+TEST_F(Detection, FoundBoxesAreOneStepInTheStyleOfTheStart) {
+    model.tool = RedactionStyle::noise;
+    model.autoDetect();
+    EXPECT_EQ(model.activeOperation(), Operation::autoDetect);
+    model.tool = RedactionStyle::solidWhite;
+    EXPECT_EQ(model.totalRedactionCount(), 0U);
+    bench.executor.runAll();
+    EXPECT_EQ(model.activeOperation(), std::nullopt);
+    ASSERT_EQ(model.currentRedactions().size(), 2U);
+    for (const Redaction& redaction : model.currentRedactions()) {
+        EXPECT_EQ(redaction.style, RedactionStyle::noise);
+        EXPECT_TRUE(redaction.detected);
+    }
+    EXPECT_EQ(model.statusMessage(), "Added 2 redactions.");
+    EXPECT_EQ(model.undoTitle(), "Undo Auto-Detect");
+    EXPECT_TRUE(model.isDirty());
+    model.undo();
+    EXPECT_FALSE(model.canUndo());
+    EXPECT_EQ(model.totalRedactionCount(), 0U);
+}
+
+TEST_F(Detection, MessagesSpeakOfThePagesThatWereSearched) {
+    struct Case {
+        const char* what;
+        bool allPages;
+        std::size_t pages;
+        int faces;
+        const char* message;
+    };
+    for (const Case& each : std::vector<Case>{
+             {"nothing here", false, 3, 0, "Found nothing to redact on this page."},
+             {"nothing anywhere", true, 3, 0, "Found nothing to redact."},
+             {"one here", false, 3, 1, "Added 1 redaction."},
+             {"three here", false, 3, 3, "Added 3 redactions."},
+             {"one on every page", true, 3, 1, "Added 3 redactions across 3 pages."},
+             {"all of one page", true, 1, 1, "Added 1 redaction."},
+             {"nothing on all of one page", true, 1, 0, "Found nothing to redact on this page."},
+         }) {
+        ModelUnderTest one(each.pages);
+        one.openPdf();
+        one.faces.answer->clear();
+        for (int i = 0; i < each.faces; ++i) {
+            one.faces.answer->push_back(face(i));
+        }
+        one.model->applyToAllPages = each.allPages;
+        one.model->autoDetect();
+        one.executor.runAll();
+        EXPECT_EQ(one.model->statusMessage(), each.message) << each.what;
+        EXPECT_EQ(one.model->isDirty(), each.faces > 0) << each.what;
+    }
+}
+
+TEST_F(Detection, OneBoxOnOneOfManyPagesStillSpeaksOfPages) {
+    model.applyToAllPages = true;
+    bench.faces.answer = {face(0)};
+    detect();
+    model.goToPage(1);
+    model.clearCurrentPage();
+    detect();
+    EXPECT_EQ(model.statusMessage(), "Added 1 redactions across 1 pages.");
+}
+
+TEST_F(Detection, WhatIsThereAlreadyIsNotAddedAgain) {
+    detect();
+    detect();
+    EXPECT_EQ(model.statusMessage(), "Found nothing to redact on this page.");
+    EXPECT_EQ(model.totalRedactionCount(), 2U);
+    model.undo();
+    EXPECT_FALSE(model.canUndo());
+}
+
+TEST_F(Detection, NearDuplicatesAreJudgedByCentreAndSize) {
+    struct Case {
+        const char* what;
+        PageRect drawn;
+        bool suppresses;
+    };
+    const PageRect found{0.25, 0.5, 0.25, 0.125};
+    // The recogniser's box that becomes the found one.
+    const RecognizedLine line{
+        "acme", {found.x, 1 - found.y - found.height, found.width, found.height}, {}};
+    bench.text.answer = {line};
+    for (const Case& each : std::vector<Case>{
+             {"the same", found, true},
+             {"centre nearly 0.01 away", {0.2599, 0.5, 0.25, 0.125}, true},
+             {"centre more than 0.01 away", {0.2601, 0.5, 0.25, 0.125}, false},
+             {"higher by more than 0.01", {0.25, 0.4899, 0.25, 0.125}, false},
+             {"nearly 0.02 wider around the centre", {0.2405, 0.5, 0.269, 0.125}, true},
+             {"more than 0.02 wider around the centre", {0.2395, 0.5, 0.271, 0.125}, false},
+             {"more than 0.02 higher around the centre", {0.25, 0.4895, 0.25, 0.146}, false},
+         }) {
+        bench.openPdf();
+        ASSERT_TRUE(model.addRedaction(each.drawn));
+        model.redactMatches("acme", false);
+        bench.executor.runAll();
+        EXPECT_EQ(model.totalRedactionCount(), each.suppresses ? 1U : 2U) << each.what;
+    }
+}
+
+TEST_F(Detection, OfTwoFoundNearDuplicatesTheFirstIsAdded) {
+    bench.faces.answer = {{{0.4, 0.4, 0.2, 0.2}, {0.405, 0.4, 0.2, 0.2}, {0.415, 0.4, 0.2, 0.2}}};
+    detect();
+    ASSERT_EQ(model.totalRedactionCount(), 2U); // the third repeats the dropped second only
+    EXPECT_NEAR(model.currentRedactions()[0].rect.x, 0.376, 1e-9);
+    EXPECT_NEAR(model.currentRedactions()[1].rect.x, 0.391, 1e-9);
+}
+
+TEST_F(Detection, WithoutKindsDocumentOrQueryNothingStarts) {
+    model.open({"notes.txt"});
+    model.detectKinds = PIIKinds{};
+    model.autoDetect();
+    for (const char* query : {"", " ", " \t\r\n", "\xC2\xA0\xE3\x80\x80\xE2\x80\xA8"}) {
+        model.redactMatches(query, true);
+    }
+    EXPECT_EQ(model.activeOperation(), std::nullopt);
+    EXPECT_TRUE(model.errorMessage()); // not even the messages are touched
+    model.detectKinds = PIIKinds{PIIKind::faces};
+    model.closeDocument();
+    model.autoDetect();
+    model.redactMatches("acme", false);
+    EXPECT_TRUE(bench.executor.backgroundJobs.empty());
+}
+
+TEST_F(Detection, TheQueryIsTrimmedAtBothEndsOnly) {
+    EXPECT_EQ(withoutOuterWhiteSpace(" \n a b\t"), "a b");
+    EXPECT_EQ(withoutOuterWhiteSpace("\xE2\x80\x89\xC2\x85\xC3\x85\xE1\x9A\x80"), "\xC3\x85");
+    bench.text.answer = {asciiLine("call Acme Inc now")};
+    model.redactMatches("  acme inc\n", false);
+    EXPECT_EQ(model.activeOperation(), Operation::find);
+    bench.executor.runAll();
+    EXPECT_EQ(model.totalRedactionCount(), 1U);
+    EXPECT_EQ(model.undoTitle(), "Undo Redact Matches");
+}
+
+TEST_F(Detection, ASecondSearchIsIgnoredUntilTheFirstHasEnded) {
+    model.autoDetect();
+    model.redactMatches("acme", false);
+    model.autoDetect();
+    EXPECT_EQ(bench.executor.backgroundJobs.size(), 1U);
+    EXPECT_EQ(model.activeOperation(), Operation::autoDetect);
+    bench.executor.runAll();
+    model.redactMatches("acme", false);
+    EXPECT_EQ(model.activeOperation(), Operation::find);
+}
+
+TEST_F(Detection, OnlyTheCurrentPageIsSearchedUnlessAllAreWanted) {
+    detect();
+    EXPECT_EQ(bench.faces.calls, 1);
+    model.applyToAllPages = true;
+    detect();
+    EXPECT_EQ(bench.faces.calls, 4);
+}
+
+TEST_F(Detection, AFailingEngineIsAnEmptyPage) {
+    bench.faces.answer.reset();
+    bench.text.answer.reset();
+    detect();
+    EXPECT_EQ(model.statusMessage(), "Found nothing to redact on this page.");
+    EXPECT_FALSE(model.errorMessage());
+}
+
+// What the user does between the search and its end.
+
+TEST_F(Detection, BoxesDrawnMeanwhileSuppressAndAreKept) {
+    detect();
+    const PageRect first = model.currentRedactions()[0].rect;
+    model.clearCurrentPage();
+    model.autoDetect();
+    bench.executor.runBackground();
+    const Uuid drawn = model.addRedaction(first).value();
+    bench.executor.runMain();
+    ASSERT_EQ(model.totalRedactionCount(), 2U);
+    EXPECT_EQ(model.currentRedactions()[0].id, drawn);
+    EXPECT_EQ(model.selectedID(), drawn);
+    model.undo();
+    EXPECT_EQ(model.totalRedactionCount(), 1U); // the step holds the state at the end
+}
+
+TEST_F(Detection, UndoneMeanwhileTheEndIsANewStep) {
+    ASSERT_TRUE(model.addRedaction({0.1, 0.8, 0.1, 0.1}));
+    model.autoDetect();
+    bench.executor.runBackground();
+    model.undo();
+    ASSERT_TRUE(model.canRedo());
+    bench.executor.runMain();
+    EXPECT_FALSE(model.canRedo());
+    EXPECT_EQ(model.totalRedactionCount(), 2U);
+}
+
+TEST_F(Detection, AnotherPageMeanwhileStillFillsTheOneSearched) {
+    model.autoDetect();
+    bench.executor.runBackground();
+    model.goToPage(2);
+    bench.executor.runMain();
+    EXPECT_EQ(model.redactionCount(0), 2U);
+    model.goToPage(0);
+    model.undo();
+    EXPECT_EQ(model.currentPage(), 2); // shown when the results arrived
+}
+
+TEST_F(Detection, ClosedMeanwhileNothingIsAdded) {
+    model.autoDetect();
+    bench.executor.runBackground();
+    model.closeDocument();
+    EXPECT_EQ(model.activeOperation(), Operation::autoDetect);
+    bench.executor.runMain();
+    EXPECT_EQ(model.activeOperation(), std::nullopt);
+    EXPECT_EQ(model.statusMessage(), "Found nothing to redact on this page.");
+    EXPECT_FALSE(model.isDirty() || model.canUndo());
+}
+
+TEST_F(Detection, AnotherDocumentMeanwhileGetsTheBoxesOfThePagesItHas) {
+    model.applyToAllPages = true;
+    model.autoDetect();
+    bench.openPicture(); // before the search itself, which keeps its own bitmaps
+    bench.executor.runAll();
+    EXPECT_EQ(bench.faces.calls, 3);
+    EXPECT_EQ(model.totalRedactionCount(), 2U);
+    EXPECT_EQ(model.statusMessage(), "Added 2 redactions across 1 pages.");
+}
+
+TEST_F(Detection, TheModelGoneMeanwhileNothingHappens) {
+    model.autoDetect();
+    bench.executor.runBackground();
+    bench.model.reset();
+    bench.executor.runMain();
+}
+
+TEST_F(Detection, ItsEndInsideAPanelIsPartOfWhatIsSaved) {
+    model.autoDetect();
+    bench.panels.saved = bench.folder / "work.murkwell";
+    bench.panels.whileUp = [&] { bench.executor.runAll(); };
+    model.saveSessionAs();
+    bench.panels.whileUp = [] {};
+    model.open({bench.folder / "work.murkwell"});
+    EXPECT_EQ(model.totalRedactionCount(), 2U);
+}
+
+// A real thread searches while the main one edits: for the thread sanitizer.
+class ThreadedExecutor final : public Executor {
+public:
+    void background(std::function<void()> job) override { thread = std::thread(std::move(job)); }
+    void onMain(std::function<void()> job) override { finish = std::move(job); }
+
+    std::thread thread;
+    std::function<void()> finish;
+};
+
+TEST_F(Detection, TheSearchSharesNothingThatTheUserChanges) {
+    ThreadedExecutor threaded;
+    const Services services = bench.services();
+    RedactModel other({threaded, services.panels, services.preferences, services.fileManager,
+                       services.documents, services.detection});
+    other.open({bench.folder.write("other.pdf", "")});
+    other.applyToAllPages = true;
+    other.autoDetect();
+    for (int i = 0; i < 200; ++i) {
+        other.tool = allRedactionStyles[static_cast<std::size_t>(i) % 3];
+        other.detectKinds = PIIKinds{};
+        (void)other.addRedaction({0.1, 0.1, 0.2, 0.2});
+        other.goToPage(i % 3);
+        if (i % 50 == 49) {
+            other.closeDocument();
+        }
+    }
+    threaded.thread.join();
+    threaded.finish();
+    EXPECT_EQ(other.activeOperation(), std::nullopt);
+}
+
+} // namespace
+} // namespace murkwell

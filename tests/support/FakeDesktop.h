@@ -1,0 +1,67 @@
+// Stand-ins for what the desktop gives the model. They note what they were asked.
+#pragma once
+
+#include "model/FileManager.h"
+#include "model/Panels.h"
+#include "model/Preferences.h"
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace murkwell {
+
+class FakePanels final : public Panels {
+public:
+    std::vector<std::filesystem::path> run(const OpenPanel& panel) override {
+        openPanels.push_back(panel);
+        whileUp();
+        return opened;
+    }
+    std::optional<std::filesystem::path> run(const SavePanel& panel) override {
+        savePanels.push_back(panel);
+        whileUp();
+        return saved;
+    }
+    std::size_t run(const Alert& alert) override {
+        alerts.push_back(alert);
+        whileUp();
+        return pressed;
+    }
+
+    // The answers.
+    std::vector<std::filesystem::path> opened;
+    std::optional<std::filesystem::path> saved;
+    std::size_t pressed = 0;
+    // What the event loop does while a panel is up.
+    std::function<void()> whileUp = [] {};
+
+    std::vector<OpenPanel> openPanels;
+    std::vector<SavePanel> savePanels;
+    std::vector<Alert> alerts;
+};
+
+class FakePreferences final : public Preferences {
+public:
+    bool boolean(std::string_view key) const override {
+        const auto found = values.find(std::string(key));
+        return found != values.end() && found->second;
+    }
+    void setBoolean(std::string_view key, bool value) override {
+        if (!isReadOnly) {
+            values[std::string(key)] = value;
+        }
+    }
+
+    std::map<std::string, bool> values;
+    bool isReadOnly = false;
+};
+
+class FakeFileManager final : public FileManager {
+public:
+    void reveal(const std::filesystem::path& file) override { revealed.push_back(file); }
+
+    std::vector<std::filesystem::path> revealed;
+};
+
+} // namespace murkwell
