@@ -22,7 +22,7 @@ public:
         constexpr std::uint32_t swappedMagic = 0xde120495;
         const auto first = number(0);
         bigEndian = first == swappedMagic;
-        return first == magic || first == swappedMagic;
+        return bigEndian || first == magic;
     }
 
     [[nodiscard]] std::optional<std::uint32_t> count() const { return number(8); }

@@ -24,7 +24,7 @@ public:
 
     // Takes over the first bytes of an array.
     SharedBytes(std::shared_ptr<const std::byte[]> array, std::size_t count)
-        : owner(array), view(array.get(), count) {}
+        : view(array.get(), count), owner(std::move(array)) {}
 
     [[nodiscard]] std::span<const std::byte> bytes() const { return view; }
     [[nodiscard]] std::size_t size() const { return view.size(); }
@@ -37,8 +37,8 @@ public:
     }
 
 private:
-    std::shared_ptr<const void> owner;
     std::span<const std::byte> view;
+    std::shared_ptr<const void> owner;
 };
 
 } // namespace murkwell

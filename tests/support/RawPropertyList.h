@@ -20,7 +20,8 @@ inline SharedBytes sharedBytes(const std::string& text) {
 inline std::string bigEndian(std::uint64_t value, unsigned width) {
     std::string bytes;
     for (unsigned i = width; i > 0; --i) {
-        bytes.push_back(static_cast<char>(value >> (8 * (i - 1)) & 0xFF));
+        const unsigned shift = 8 * (i - 1);
+        bytes.push_back(shift < 64 ? static_cast<char>(value >> shift & 0xFF) : '\0');
     }
     return bytes;
 }
