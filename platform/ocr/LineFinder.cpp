@@ -57,15 +57,16 @@ Tensor inputFor(const cv::Mat& image) {
 double meanInside(const std::vector<cv::Point>& outline, const cv::Mat& probability) {
     const cv::Rect area =
         cv::boundingRect(outline) & cv::Rect(0, 0, probability.cols, probability.rows);
-    cv::Mat mask = cv::Mat::zeros(area.size(), CV_8U);
+    cv::Mat mask(area.size(), CV_8U, cv::Scalar(0));
     cv::fillPoly(mask, std::vector{outline}, cv::Scalar(1), cv::LINE_8, 0, -area.tl());
     return cv::mean(probability(area), mask)[0];
 }
 
 std::vector<cv::RotatedRect> linesIn(const cv::Mat& probability) {
     std::vector<std::vector<cv::Point>> outlines;
-    cv::findContours(probability > textProbability, outlines, cv::RETR_LIST,
-                     cv::CHAIN_APPROX_SIMPLE);
+    cv::Mat text;
+    cv::compare(probability, textProbability, text, cv::CMP_GT);
+    cv::findContours(text, outlines, cv::RETR_LIST, cv::CHAIN_APPROX_SIMPLE);
     std::vector<cv::RotatedRect> lines;
     for (const auto& outline : outlines) {
         if (outline.size() < 3) {
