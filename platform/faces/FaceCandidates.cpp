@@ -92,9 +92,10 @@ void addCandidates(const Answers& answers, const Scale& scale, double leastScore
         for (std::size_t i = 0; i < plane; ++i) {
             const double score = 1 / (1 + std::exp(noFace[i] - face[i]));
             if (score >= leastScore) {
-                const cv::Point2d centre(
-                    (static_cast<double>(i % answers.columns()) + .5) * scale.step,
-                    (static_cast<double>(i / answers.columns()) + .5) * scale.step);
+                const std::size_t row = i / answers.columns();
+                const std::size_t column = i % answers.columns();
+                const cv::Point2d centre((static_cast<double>(column) + .5) * scale.step,
+                                         (static_cast<double>(row) + .5) * scale.step);
                 candidates.push_back(
                     {shiftedBox(centre, scale.sides.at(side), shifts.subspan(i), plane), score});
             }

@@ -11,12 +11,19 @@ namespace murkwell {
 namespace {
 
 constexpr double longestSide = 2560;   // pixels of the searched image
+constexpr double largestArea = 3.5e6;  // of the searched image; a megapixel takes 150 MB
 constexpr int stride = 32;             // the network takes multiples of this
 constexpr double textProbability = .3; // of a pixel, to belong to a line
 constexpr double lineProbability = .5; // mean over a line's outline
 constexpr float thinnestLine = 3;      // pixels
 // The network marks the kernels of lines; area x growth / perimeter is how far they reach out.
 constexpr float growth = 1.6F;
+
+double searchedScale(const cv::Mat& pixels) {
+    const double area = static_cast<double>(pixels.cols) * pixels.rows;
+    return std::min(
+        {1.0, longestSide / std::max(pixels.cols, pixels.rows), std::sqrt(largestArea / area)});
+}
 
 cv::Mat searchedImage(const cv::Mat& pixels, double scale) {
     if (scale == 1) {
@@ -57,15 +64,16 @@ Tensor inputFor(const cv::Mat& image) {
 double meanInside(const std::vector<cv::Point>& outline, const cv::Mat& probability) {
     const cv::Rect area =
         cv::boundingRect(outline) & cv::Rect(0, 0, probability.cols, probability.rows);
-    cv::Mat mask = cv::Mat::zeros(area.size(), CV_8U);
+    cv::Mat mask(area.size(), CV_8U, cv::Scalar(0));
     cv::fillPoly(mask, std::vector{outline}, cv::Scalar(1), cv::LINE_8, 0, -area.tl());
     return cv::mean(probability(area), mask)[0];
 }
 
 std::vector<cv::RotatedRect> linesIn(const cv::Mat& probability) {
     std::vector<std::vector<cv::Point>> outlines;
-    cv::findContours(probability > textProbability, outlines, cv::RETR_LIST,
-                     cv::CHAIN_APPROX_SIMPLE);
+    cv::Mat text;
+    cv::compare(probability, textProbability, text, cv::CMP_GT);
+    cv::findContours(text, outlines, cv::RETR_LIST, cv::CHAIN_APPROX_SIMPLE);
     std::vector<cv::RotatedRect> lines;
     for (const auto& outline : outlines) {
         if (outline.size() < 3) {
@@ -88,7 +96,7 @@ std::vector<cv::RotatedRect> linesIn(const cv::Mat& probability) {
 } // namespace
 
 std::optional<std::vector<cv::RotatedRect>> findLines(const cv::Mat& pixels, OnnxSession& network) {
-    const double scale = std::min(1.0, longestSide / std::max(pixels.cols, pixels.rows));
+    const double scale = searchedScale(pixels);
     const cv::Mat image = paddedToStride(searchedImage(pixels, scale));
     auto outputs = network.run(inputFor(image));
     const std::vector<std::int64_t> expected{1, 1, image.rows, image.cols};

@@ -19,7 +19,7 @@ namespace murkwell {
 namespace {
 
 constexpr double enlargement = 2;    // Tesseract is at its best with 300 dots an inch
-constexpr double longestSide = 6000; // pixels of the enlarged page
+constexpr double longestSide = 4800; // pixels of the enlarged page
 constexpr int pageResolution = 144;  // dots an inch of a page, about
 constexpr double margin = 2;         // pixels of the page around a character
 constexpr int patience = 60'000;     // milliseconds; noise is read forever

@@ -37,7 +37,14 @@ Ort::Env* environment() {
             return nullptr;
         }
         Ort::InitApi(api);
-        return new Ort::Env(ORT_LOGGING_LEVEL_FATAL, "murkwell");
+        auto* const made = new Ort::Env(ORT_LOGGING_LEVEL_FATAL, "murkwell");
+        // One store of memory for all sessions, grown by what is asked for and not by doubling.
+        constexpr int asRequested = 1;
+        constexpr int byDefault = -1;
+        const Ort::ArenaCfg growth(0, asRequested, byDefault, byDefault);
+        made->CreateAndRegisterAllocator(
+            Ort::MemoryInfo::CreateCpu(OrtArenaAllocator, OrtMemTypeDefault), growth);
+        return made;
     }();
     return shared;
 }
@@ -48,6 +55,7 @@ Ort::SessionOptions optionsFor(int threads) {
     options.SetInterOpNumThreads(1);
     // Waiting threads sleep: another reader may be at work on the same processors.
     options.AddConfigEntry("session.intra_op.allow_spinning", "0");
+    options.AddConfigEntry("session.use_env_allocators", "1");
     // Pictures and lines come in every size, for which memory laid out ahead would be kept.
     options.DisableMemPattern();
     return options;
