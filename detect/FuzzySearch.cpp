@@ -115,7 +115,7 @@ std::vector<TextRange> fuzzyRanges(std::u16string_view query, std::u16string_vie
     }
     // The order in which they are tried does not matter, and a word said twice is asked for once.
     std::ranges::sort(wanted);
-    wanted.erase(std::ranges::unique(wanted).begin(), wanted.end());
+    wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
 
     std::vector<TextRange> ranges = alphanumericTokens(line);
     std::erase_if(ranges, [&](const TextRange& token) {
