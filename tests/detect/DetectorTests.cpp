@@ -63,10 +63,10 @@ TEST_F(DetectorTest, MatchesComeByLineThenKindThenPositionAndFacesLast) {
     faces.answer = {{{0.4, 0.4, 0.2, 0.2}}};
     const auto boxes = detect(everything);
     ASSERT_EQ(boxes.size(), 6U);
-    EXPECT_EQ(columns(boxes[0]), Columns(8, 14));
-    EXPECT_EQ(columns(boxes[1]), Columns(23, 29));
-    EXPECT_EQ(columns(boxes[2]), Columns(0, 7));
-    EXPECT_EQ(columns(boxes[3]), Columns(15, 22));
+    EXPECT_EQ(columns(boxes[0]), Columns(0, 7));
+    EXPECT_EQ(columns(boxes[1]), Columns(15, 22));
+    EXPECT_EQ(columns(boxes[2]), Columns(8, 14));
+    EXPECT_EQ(columns(boxes[3]), Columns(23, 29));
     EXPECT_EQ(columns(boxes[4]), Columns(0, 11));
     EXPECT_NEAR(boxes[5].rect.height, 0.33, 1e-12);
 }
@@ -88,12 +88,12 @@ TEST_F(DetectorTest, EveryBoxIsDetectedInTheChosenStyleAndHasItsOwnIdentity) {
     EXPECT_EQ(identities.size(), all.size());
 }
 
-TEST_F(DetectorTest, NothingIsMergedWhenTwoKindsMatchTheSameDigits) {
+TEST_F(DetectorTest, NothingIsMergedAndTheCardComesFirstWhenTwoKindsMatchTheSameDigits) {
     text.answer = {asciiLine("12345678901234")};
     const auto boxes = detect({PIIKind::phone, PIIKind::creditCard});
     ASSERT_EQ(boxes.size(), 2U);
-    EXPECT_EQ(columns(boxes[0]), Columns(0, 12));
-    EXPECT_EQ(columns(boxes[1]), Columns(0, 14));
+    EXPECT_EQ(columns(boxes[0]), Columns(0, 14));
+    EXPECT_EQ(columns(boxes[1]), Columns(0, 12));
 }
 
 TEST_F(DetectorTest, AFailingEngineTakesOnlyItsOwnBoxesAway) {
