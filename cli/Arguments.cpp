@@ -53,18 +53,10 @@ bool coversSomeOfThePage(const PageRect& rect) {
            rect.maxY() > 0;
 }
 
-std::vector<std::string> styleNames() {
-    std::vector<std::string> names(allRedactionStyles.size());
-    std::ranges::transform(allRedactionStyles, names.begin(),
-                           [](RedactionStyle style) { return std::string(rawValue(style)); });
-    return names;
-}
-
-std::vector<std::string> kindNames() {
-    std::vector<std::string> names;
-    for (const PIIKind kind : allPIIKinds) {
-        names.emplace_back(rawValue(kind));
-    }
+std::vector<std::string> rawValues(const auto& cases) {
+    std::vector<std::string> names(cases.size());
+    std::ranges::transform(cases, names.begin(),
+                           [](auto value) { return std::string(rawValue(value)); });
     return names;
 }
 
@@ -96,7 +88,7 @@ CLI::Validator kindsValidator() {
     return {[](std::string& text) {
                 return parseKinds(text) ? std::string()
                                         : "“" + text + "” is no kind: write all, or some of " +
-                                              CLI::detail::join(kindNames(), ",");
+                                              CLI::detail::join(rawValues(allPIIKinds), ",");
             },
             ""};
 }
@@ -120,7 +112,8 @@ struct SearchOptions {
     void addTo(CLI::App& command) {
         command
             .add_option("--detect", kinds,
-                        "Kinds to find: all, or some of " + CLI::detail::join(kindNames(), ","))
+                        "Kinds to find: all, or some of " +
+                            CLI::detail::join(rawValues(allPIIKinds), ","))
             ->check(kindsValidator());
         command.add_option("--find", queries, "Text to find, whatever its letter case")
             ->expected(1)
@@ -164,7 +157,7 @@ struct RedactOptions {
             ->take_all();
         search.addTo(command);
         command.add_option("--style", style, "solidBlack, solidWhite or noise")
-            ->check(CLI::IsMember(styleNames()));
+            ->check(CLI::IsMember(rawValues(allRedactionStyles)));
         command.add_flag("--force", force, "Replace existing files");
         command.add_flag("--json", json, "Print a JSON line for each file written");
     }
