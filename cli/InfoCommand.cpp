@@ -1,31 +1,53 @@
 #include "cli/Commands.h"
 
 #include "cli/Output.h"
+#include "core/Localization.h"
+#include "io/FileName.h"
 
 #include <nlohmann/json.hpp>
 
 namespace murkwell::cli {
+namespace {
+
+using DocumentIO::Document;
+using std::filesystem::path;
+
+// Whatever can be loaded is described, also a picture of a type that is not taken for redaction.
+std::optional<Document> documentAt(const path& source, const Engines& engines) {
+    if (ContentType::fromExtension(pathExtension(source)) != DocumentIO::sessionType()) {
+        return DocumentIO::load(source, engines.documents);
+    }
+    HeadlessModel headless(engines);
+    if (headless.open(source)) {
+        return std::nullopt;
+    }
+    return headless.model.document();
+}
+
+void print(const path& source, const Document& document) {
+    auto pages = nlohmann::ordered_json::array();
+    for (const auto& page : document.pages) {
+        pages.push_back({page.image->width(), page.image->height()});
+    }
+    printJson({{"file", source.string()},
+               {"isPDF", document.isPDF},
+               {"imageType", document.imageType.identifier()},
+               {"pages", pages}});
+}
+
+} // namespace
 
 bool info(const InfoArguments& arguments, const Engines& engines) {
     Progress progress(arguments.sources.size());
     bool allDone = true;
-    for (const auto& source : arguments.sources) {
+    for (const path& source : arguments.sources) {
         progress.begin(source);
-        HeadlessModel headless(engines);
-        if (const auto failure = headless.open(source)) {
-            printFailure(*failure);
+        if (const auto document = documentAt(source, engines)) {
+            print(source, *document);
+        } else {
+            printFailure(localized("Couldn’t open “%@”.", {lastPathComponent(source)}));
             allDone = false;
-            continue;
         }
-        const auto& document = headless.model.document();
-        auto pages = nlohmann::ordered_json::array();
-        for (const auto& page : document->pages) {
-            pages.push_back({page.image->width(), page.image->height()});
-        }
-        printJson({{"file", source.string()},
-                   {"isPDF", document->isPDF},
-                   {"imageType", document->imageType.identifier()},
-                   {"pages", pages}});
     }
     return allDone;
 }

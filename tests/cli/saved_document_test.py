@@ -82,7 +82,7 @@ class SavedDocument(TestInFolder):
     def test_the_models_messages(self):
         self.assertEqual(murkwell("redact", self.source, "--find", "nowhere to be found").stderr,
                          "Add at least one redaction first.\n")
-        self.assertEqual(murkwell("info", self.write("a.txt", b"")).stderr,
+        self.assertEqual(murkwell("scan", self.write("a.txt", b"")).stderr,
                          "No supported file found. Drop an image or a PDF.\n")
 
     def test_messages_are_in_the_users_language(self):
