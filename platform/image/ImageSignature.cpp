@@ -41,7 +41,7 @@ struct Brand {
     ContentType type;
 };
 
-// ISO/IEC 23008-12 annex B (HEVC) and the AVIF specification. The general brands come last: they
+// ISO/IEC 23008-12 annex B (HEVC) and the AVIF brands. The general brands come last: they
 // say nothing about the coding.
 const auto& brands() {
     static const std::array all{
