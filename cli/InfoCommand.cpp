@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 
+#include "cli/EachSource.h"
 #include "cli/Output.h"
 #include "core/Localization.h"
 #include "io/FileName.h"
@@ -38,18 +39,13 @@ void print(const path& source, const Document& document) {
 } // namespace
 
 bool info(const InfoArguments& arguments, const Engines& engines) {
-    Progress progress(arguments.sources.size());
-    bool allDone = true;
-    for (const path& source : arguments.sources) {
-        progress.begin(source);
+    return forEachSource(arguments.sources, [&](const path& source) -> Failure {
         if (const auto document = documentAt(source, engines)) {
             print(source, *document);
-        } else {
-            printFailure(localized("Couldn’t open “%@”.", {lastPathComponent(source)}));
-            allDone = false;
+            return std::nullopt;
         }
-    }
-    return allDone;
+        return localized("Couldn’t open “%@”.", {lastPathComponent(source)});
+    });
 }
 
 } // namespace murkwell::cli

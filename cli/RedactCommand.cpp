@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 
+#include "cli/EachSource.h"
 #include "cli/Output.h"
 #include "cli/PageSearch.h"
 
@@ -11,8 +12,6 @@ namespace murkwell::cli {
 namespace {
 
 using std::filesystem::path;
-// A message when a file could not be done.
-using Failure = std::optional<std::string>;
 
 path destinationFor(const DocumentIO::Document& document, const RedactArguments& arguments) {
     if (arguments.output) {
@@ -139,17 +138,9 @@ private:
 } // namespace
 
 bool redact(const RedactArguments& arguments, const Engines& engines) {
-    Progress progress(arguments.sources.size());
     RedactRun run(arguments, engines);
-    bool allDone = true;
-    for (const path& source : arguments.sources) {
-        progress.begin(source);
-        if (const auto failure = run.redact(source)) {
-            printFailure(*failure);
-            allDone = false;
-        }
-    }
-    return allDone;
+    return forEachSource(arguments.sources,
+                         [&](const std::filesystem::path& source) { return run.redact(source); });
 }
 
 } // namespace murkwell::cli

@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 
+#include "cli/EachSource.h"
 #include "cli/Output.h"
 #include "cli/PageSearch.h"
 
@@ -41,16 +42,9 @@ std::optional<std::string> scanFile(const std::filesystem::path& source,
 } // namespace
 
 bool scan(const ScanArguments& arguments, const Engines& engines) {
-    Progress progress(arguments.sources.size());
-    bool allDone = true;
-    for (const auto& source : arguments.sources) {
-        progress.begin(source);
-        if (const auto failure = scanFile(source, arguments, engines)) {
-            printFailure(*failure);
-            allDone = false;
-        }
-    }
-    return allDone;
+    return forEachSource(arguments.sources, [&](const std::filesystem::path& source) {
+        return scanFile(source, arguments, engines);
+    });
 }
 
 } // namespace murkwell::cli

@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 
+#include "cli/EachSource.h"
 #include "cli/Output.h"
 #include "cli/PageSearch.h"
 
@@ -58,16 +59,9 @@ std::optional<std::string> readFile(const std::filesystem::path& source,
 } // namespace
 
 bool text(const TextArguments& arguments, const Engines& engines) {
-    Progress progress(arguments.sources.size());
-    bool allDone = true;
-    for (const auto& source : arguments.sources) {
-        progress.begin(source);
-        if (const auto failure = readFile(source, arguments, engines)) {
-            printFailure(*failure);
-            allDone = false;
-        }
-    }
-    return allDone;
+    return forEachSource(arguments.sources, [&](const std::filesystem::path& source) {
+        return readFile(source, arguments, engines);
+    });
 }
 
 } // namespace murkwell::cli
