@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 namespace murkwell {
 
@@ -93,6 +94,17 @@ std::optional<std::string_view> ContentType::preferredFilenameExtension() const 
         return std::nullopt;
     }
     return preferred;
+}
+
+std::vector<std::string_view> ContentType::filenameExtensions() const {
+    std::vector<std::string_view> extensions;
+    for (const Record& record : records()) {
+        if (record.type.conformsTo(*this)) {
+            std::ranges::copy_if(record.extensions, std::back_inserter(extensions),
+                                 [](std::string_view extension) { return !extension.empty(); });
+        }
+    }
+    return extensions;
 }
 
 } // namespace murkwell

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace murkwell {
 
@@ -36,6 +37,9 @@ public:
 
     // Without the dot. None when files of this type have no extension of their own.
     [[nodiscard]] std::optional<std::string_view> preferredFilenameExtension() const;
+
+    // Every extension, without the dot, of files of this type and of all that is a kind of it.
+    [[nodiscard]] std::vector<std::string_view> filenameExtensions() const;
 
     bool operator==(const ContentType&) const = default;
 

@@ -51,6 +51,15 @@ TEST(ContentType, ConformanceGoesUpOnly) {
     EXPECT_TRUE(DocumentIO::sessionType().conformsTo(ContentType::data));
 }
 
+TEST(ContentType, HasTheExtensionsOfItsKinds) {
+    using Extensions = std::vector<std::string_view>;
+    EXPECT_EQ(ContentType::jpeg.filenameExtensions(), (Extensions{"jpeg", "jpg", "jpe", "mpo"}));
+    EXPECT_EQ(ContentType::pdf.filenameExtensions(), Extensions{"pdf"});
+    for (const std::string_view extension : ContentType::data.filenameExtensions()) {
+        EXPECT_TRUE(ContentType::fromExtension(extension)) << extension;
+    }
+}
+
 TEST(ContentType, ImageTypesAreOfferedInOrder) {
     std::string order;
     for (const ContentType& type : DocumentIO::imageTypes()) {
