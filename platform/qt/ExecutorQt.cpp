@@ -1,0 +1,70 @@
+#include "platform/qt/ExecutorQt.h"
+
+#include <QMetaObject>
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace murkwell {
+namespace {
+
+// Linux counts niceness per thread and hands it down to the threads that one starts, so the
+// recognisers' pools get it too. Beside a busy main thread about a tenth of a processor is left.
+void giveWayToTheMainThread() {
+    constexpr int nicer = 10;
+    // Where it is refused, the search merely competes.
+    static_cast<void>(::nice(nicer));
+}
+
+} // namespace
+
+ExecutorQt::~ExecutorQt() {
+    {
+        const std::lock_guard lock(mutex);
+        isEnding = true;
+    }
+    changed.notify_one();
+    if (worker.joinable()) {
+        worker.join();
+    }
+}
+
+void ExecutorQt::background(std::function<void()> job) {
+    {
+        const std::lock_guard lock(mutex);
+        waiting.push_back(std::move(job));
+    }
+    if (!worker.joinable()) {
+        worker = std::thread([this] { work(); });
+    }
+    changed.notify_one();
+}
+
+void ExecutorQt::onMain(std::function<void()> job) {
+    QMetaObject::invokeMethod(&mainThread, std::move(job), Qt::QueuedConnection);
+}
+
+bool ExecutorQt::isBusy() const {
+    const std::lock_guard lock(mutex);
+    return !waiting.empty();
+}
+
+void ExecutorQt::work() {
+    giveWayToTheMainThread();
+    std::unique_lock lock(mutex);
+    for (;;) {
+        changed.wait(lock, [this] { return isEnding || !waiting.empty(); });
+        if (isEnding) {
+            return;
+        }
+        auto job = std::move(waiting.front());
+        lock.unlock();
+        job();
+        job = nullptr; // what it holds goes before it counts as done
+        lock.lock();
+        waiting.pop_front();
+    }
+}
+
+} // namespace murkwell
