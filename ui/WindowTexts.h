@@ -20,6 +20,8 @@ inline constexpr std::string_view checkForUpdates = translatable("Check for Upda
 inline constexpr std::string_view unsavedChanges = translatable("Unsaved changes");
 inline constexpr std::string_view pageOfPages = translatable("Page %d of %d");
 inline constexpr std::string_view close = translatable("Close");
+inline constexpr std::string_view previousPage = translatable("Previous page");
+inline constexpr std::string_view nextPage = translatable("Next page");
 inline constexpr std::string_view closeTip = translatable("Close this document");
 
 // Drop zone.
@@ -28,6 +30,8 @@ inline constexpr std::string_view dropText =
     translatable("Draw black bars over anything sensitive, or let Murkwell find emails, IDs, and "
                  "faces for you. Redactions are burned into a new flattened file — the hidden "
                  "data is gone, not just covered.");
+inline constexpr std::string_view openTip =
+    translatable("Open an image, a PDF or a saved document");
 inline constexpr std::string_view chooseFile = translatable("Choose File…");
 
 // Status line.
@@ -43,9 +47,15 @@ inline constexpr std::string_view redactions = translatable("%d redactions");
 inline constexpr std::string_view remove = translatable("Delete");
 inline constexpr std::string_view removeTip = translatable("Delete the selected redaction (⌫)");
 inline constexpr std::string_view clear = translatable("Clear");
+inline constexpr std::string_view clearTip = translatable("Remove many redactions at once");
 inline constexpr std::string_view clearThisPage = translatable("Clear This Page");
 inline constexpr std::string_view clearDetected = translatable("Clear Auto-Detected");
 inline constexpr std::string_view reveal = translatable("Reveal");
+inline constexpr std::string_view revealTip =
+    translatable("Show the exported file in the file manager");
+inline constexpr std::string_view exportTip =
+    translatable("Write a flattened copy with every redaction burned in");
+inline constexpr std::string_view style = translatable("Style");
 inline constexpr std::string_view exportFile = translatable("Export…");
 inline constexpr std::string_view scanning = translatable("Scanning…");
 
@@ -69,12 +79,25 @@ inline constexpr std::string_view autoDetectText =
     translatable("Scan for these on-device and black them out.");
 inline constexpr std::string_view allKinds = translatable("All");
 inline constexpr std::string_view noKinds = translatable("None");
+inline constexpr std::string_view allKindsTip = translatable("Scan for every kind");
+inline constexpr std::string_view noKindsTip = translatable("Scan for no kind");
 inline constexpr std::string_view detectAndRedact = translatable("Detect & Redact");
 
 // Both popovers.
 inline constexpr std::string_view applyTo = translatable("Apply to");
 inline constexpr std::string_view thisPage = translatable("This Page");
 inline constexpr std::string_view allPages = translatable("All Pages");
+
+// What a screen reader says of the page and of its boxes.
+inline constexpr std::string_view canvas = translatable("Page with redactions");
+inline constexpr std::string_view blackBar = translatable("Redaction %d, black bar");
+inline constexpr std::string_view whiteBar = translatable("Redaction %d, white bar");
+inline constexpr std::string_view noise = translatable("Redaction %d, noise");
+inline constexpr std::string_view detectedBlackBar =
+    translatable("Redaction %d, black bar, detected");
+inline constexpr std::string_view detectedWhiteBar =
+    translatable("Redaction %d, white bar, detected");
+inline constexpr std::string_view detectedNoise = translatable("Redaction %d, noise, detected");
 
 // Sidebar.
 inline constexpr std::string_view pages = translatable("Pages");

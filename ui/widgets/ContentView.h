@@ -2,11 +2,21 @@
 // and every control calls one of the model's operations.
 #pragma once
 
+#include "model/Published.h"
+#include "ui/WindowState.h"
+
 #include <QWidget>
 
 namespace murkwell {
 
+class AutoDetectPopover;
+class CanvasArea;
+class ControlsBar;
 class FileOpenInbox;
+class FindPopover;
+class HeaderBar;
+class PageSidebar;
+class Popover;
 class RedactModel;
 
 class ContentView final : public QWidget {
@@ -15,6 +25,44 @@ class ContentView final : public QWidget {
 public:
     // Both are referred to and outlive the view.
     ContentView(RedactModel& model, FileOpenInbox& inbox, QWidget* parent = nullptr);
+    ~ContentView() override;
+
+    // Whether changes of the window's face are animated; they are unless the desktop asks for
+    // reduced motion.
+    void setAnimated(bool animated);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void arrange();
+    void connectPopovers();
+    void toggle(Popover* popover);
+    void refresh();
+    void drainInbox();
+    void open(const std::vector<std::filesystem::path>& files);
+    [[nodiscard]] bool removesSelection(const QKeyEvent& key) const;
+    void setTargeted(bool targeted);
+
+    RedactModel& model;
+    FileOpenInbox& inbox;
+    Observers::Observation announcements;
+    HeaderBar* header;
+    QWidget* headerDivider;
+    PageSidebar* sidebar;
+    CanvasArea* canvasArea;
+    ControlsBar* controls;
+    FindPopover* findPopover;
+    AutoDetectPopover* autoDetectPopover;
+    bool isAnimated = true;
+    bool isTargeted = false;
+    std::int64_t shownPages = 0; // of the last refresh; 0 is the face without a document
 };
 
 } // namespace murkwell

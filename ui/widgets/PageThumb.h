@@ -1,0 +1,47 @@
+// A row of the sidebar: the page in small, its number, and how much is redacted on it.
+#pragma once
+
+#include "core/Bitmap.h"
+
+#include <QHash>
+#include <QPixmap>
+#include <QStyledItemDelegate>
+
+namespace murkwell {
+
+class RedactModel;
+
+class PageThumb final : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    explicit PageThumb(const RedactModel& model, QObject* parent = nullptr);
+
+    // Forgets the drawings of pages that are not shown any more.
+    void clear();
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const override;
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
+
+private:
+    struct Drawing {
+        BitmapRef page;
+        QPixmap pixmap;
+    };
+
+    void paintThumbnail(QPainter& painter, const QRectF& frame, int page) const;
+    void paintTexts(QPainter& painter, const QRectF& space, int page, const QFont& font) const;
+    // The space that is left of it.
+    [[nodiscard]] QRectF paintBadge(QPainter& painter, const QRectF& row, std::size_t count,
+                                    const QFont& font) const;
+
+    const RedactModel& model;
+    const QWidget* view;
+    mutable QHash<int, Drawing> drawings; // made when first painted
+};
+
+} // namespace murkwell
