@@ -72,16 +72,6 @@ std::string_view environment(const char* name) {
     return value == nullptr ? std::string_view() : std::string_view(value);
 }
 
-// "de_AT.UTF-8@euro" names the catalogues de_AT and de.
-std::vector<std::string> cataloguesOf(std::string_view language) {
-    const std::string whole(language.substr(0, language.find_first_of(".@")));
-    std::vector<std::string> names{whole};
-    if (const std::size_t territory = whole.find('_'); territory != std::string::npos) {
-        names.push_back(whole.substr(0, territory));
-    }
-    return names;
-}
-
 } // namespace
 
 std::optional<Catalogue> Catalogue::load(const std::filesystem::path& file) {
@@ -168,6 +158,19 @@ std::vector<std::string> userLanguages() {
     return languages;
 }
 
+std::vector<std::string> languageVariants(std::string_view language) {
+    // A name with a slash would lead out of a folder.
+    if (language.find('/') != std::string_view::npos) {
+        return {};
+    }
+    const std::string whole(language.substr(0, language.find_first_of(".@")));
+    std::vector<std::string> names{whole};
+    if (const std::size_t territory = whole.find('_'); territory != std::string::npos) {
+        names.push_back(whole.substr(0, territory));
+    }
+    return names;
+}
+
 std::filesystem::path catalogueFolder() {
     std::error_code ignored;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored);
@@ -177,11 +180,7 @@ std::filesystem::path catalogueFolder() {
 std::optional<Catalogue> findCatalogue(const std::filesystem::path& folder,
                                        std::span<const std::string> languages) {
     for (const std::string& language : languages) {
-        // A name with a slash would lead out of the folder.
-        if (language.find('/') != std::string::npos) {
-            continue;
-        }
-        for (const std::string& name : cataloguesOf(language)) {
+        for (const std::string& name : languageVariants(language)) {
             if (auto found = Catalogue::load(folder / name / "LC_MESSAGES" / "murkwell.mo")) {
                 return found;
             }

@@ -71,6 +71,9 @@ void useCatalogue(std::optional<Catalogue> catalogue);
 // reads them; English comes last.
 [[nodiscard]] std::vector<std::string> userLanguages();
 
+// What files for a language may be called, the closest first: de_AT and de for de_AT.UTF-8@euro.
+[[nodiscard]] std::vector<std::string> languageVariants(std::string_view language);
+
 // share/locale beside the folder of the running program, installed or not.
 [[nodiscard]] std::filesystem::path catalogueFolder();
 

@@ -9,11 +9,19 @@
 
 namespace murkwell::WindowTexts {
 
-// Menus.
+// Menus. The & marks the key that opens one together with Alt.
+inline constexpr std::string_view fileMenu = translatable("&File");
+inline constexpr std::string_view editMenu = translatable("&Edit");
+inline constexpr std::string_view helpMenu = translatable("&Help");
 inline constexpr std::string_view open = translatable("Open…");
 inline constexpr std::string_view save = translatable("Save");
 inline constexpr std::string_view saveAs = translatable("Save As…");
+inline constexpr std::string_view quit = translatable("Quit");
 inline constexpr std::string_view help = translatable("Murkwell Help");
+inline constexpr std::string_view about = translatable("About Murkwell");
+inline constexpr std::string_view aboutText =
+    translatable("Redacts images and PDFs on this computer. Nothing is sent anywhere.\n\nFree "
+                 "software under the GNU Affero General Public License, version 3 or later.");
 inline constexpr std::string_view checkForUpdates = translatable("Check for Updates…");
 
 // Header.

@@ -14,7 +14,7 @@ namespace murkwell {
 namespace {
 
 void openFolder(const std::filesystem::path& folder) {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(toQString(folder)));
+    QDesktopServices::openUrl(QUrl::fromLocalFile(toQtPath(folder)));
 }
 
 } // namespace

@@ -15,7 +15,7 @@ std::filesystem::path pathOfBytes(const QByteArray& bytes) {
 
 } // namespace
 
-QString toQString(const std::filesystem::path& file) {
+QString toQtPath(const std::filesystem::path& file) {
     return QFile::decodeName(QByteArray::fromStdString(file.native()));
 }
 

@@ -10,7 +10,7 @@
 namespace murkwell {
 
 // For names to be shown or handed to a dialog.
-[[nodiscard]] QString toQString(const std::filesystem::path& file);
+[[nodiscard]] QString toQtPath(const std::filesystem::path& file);
 [[nodiscard]] std::filesystem::path toPath(const QString& file);
 
 // The file: address of an absolute path, byte for byte.

@@ -86,7 +86,7 @@ std::optional<fs::path> askWhere(const ContentType& type, const fs::path& folder
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setNameFilter(nameFilter(nameOf(type), std::span(&type, 1)));
-    dialog.setDirectory(toQString(existingFolder(folder)));
+    dialog.setDirectory(toQtPath(existingFolder(folder)));
     dialog.selectFile(text(name));
     return runDialog(dialog);
 }

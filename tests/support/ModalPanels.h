@@ -37,8 +37,8 @@ public:
     }
 
 private:
-    // A new timer each time: one whose slot is running does not fire in the loop of a panel that the
-    // slot has brought up.
+    // A new timer each time: one whose slot is running does not fire in the loop of a panel that
+    // the slot has brought up.
     void lookSoon() {
         QTimer::singleShot(1, &context, [this] {
             lookSoon();

@@ -1,13 +1,12 @@
 #include "platform/qt/FileManagerQt.h"
 
 #include "tests/support/PrivateBus.h"
+#include "tests/support/RecordedDesktop.h"
 
 #include <QDBusContext>
 #include <QDBusError>
-#include <QDesktopServices>
 #include <QSemaphore>
 #include <QSignalSpy>
-#include <QUrl>
 
 namespace murkwell {
 
@@ -35,21 +34,6 @@ private:
     bool able;
 };
 
-// Opens file: addresses instead of the desktop.
-class FolderOpener : public QObject {
-    Q_OBJECT
-
-public:
-    FolderOpener() { QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open"); }
-    ~FolderOpener() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
-
-public slots:
-    void open(const QUrl& url) { emit opened(url); }
-
-signals:
-    void opened(const QUrl& url);
-};
-
 namespace {
 
 const QString service = QStringLiteral("org.freedesktop.FileManager1");
@@ -65,19 +49,19 @@ TEST(FileManagerQt, ShowsTheFileInTheFileManager) {
 
 TEST(FileManagerQt, OpensTheFolderWhereTheFileManagerCannot) {
     const OtherProgram program(service, path, new FakeFileManager1(false));
-    FolderOpener desktop;
-    QSignalSpy opened(&desktop, &FolderOpener::opened);
+    RecordedDesktop desktop;
+    QSignalSpy opened(&desktop, &RecordedDesktop::opened);
     FileManagerQt().reveal("/tmp/folder/a.pdf");
     ASSERT_TRUE(opened.wait());
-    EXPECT_EQ(opened[0][0].toUrl(), QUrl(QStringLiteral("file:///tmp/folder")));
+    EXPECT_EQ(desktop.addresses, QStringList{QStringLiteral("file:///tmp/folder")});
 }
 
 TEST(FileManagerQt, OpensTheFolderWhereThereIsNoFileManager) {
-    FolderOpener desktop;
-    QSignalSpy opened(&desktop, &FolderOpener::opened);
+    RecordedDesktop desktop;
+    QSignalSpy opened(&desktop, &RecordedDesktop::opened);
     FileManagerQt().reveal("/tmp/folder/a.pdf");
     ASSERT_TRUE(opened.wait());
-    EXPECT_EQ(opened[0][0].toUrl(), QUrl(QStringLiteral("file:///tmp/folder")));
+    EXPECT_EQ(desktop.addresses, QStringList{QStringLiteral("file:///tmp/folder")});
 }
 
 } // namespace

@@ -20,7 +20,7 @@ using testing::IsEmpty;
 
 // What a user does in a file dialog.
 void type(QFileDialog& dialog, const std::filesystem::path& name) {
-    dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(toQString(name));
+    dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(toQtPath(name));
 }
 void accept(QDialog& dialog) {
     dialog.accept(); // what Return does, whatever the desktop calls the button

@@ -1,0 +1,45 @@
+#include "app/MurkwellApp.h"
+
+#include "app/MainWindow.h"
+#include "ui/widgets/Theme.h"
+
+#include <QApplication>
+
+namespace murkwell {
+
+MurkwellApp::MurkwellApp()
+    : model({executor,
+             panels,
+             preferences,
+             fileManager,
+             {pdfRenderer, pdfWriter, imageCodec, random},
+             {textRecognizer, faceDetector, random}}) {
+    connect(&desktop, &DesktopSettings::changed, this, &MurkwellApp::followDesktop);
+}
+
+MurkwellApp::~MurkwellApp() = default;
+
+void MurkwellApp::activate(const ActivationToken& token) {
+    if (!window) {
+        desktop.waitBriefly();
+        followDesktop();
+        window = std::make_unique<MainWindow>(model, inbox);
+        window->setAnimated(!desktop.prefersReducedMotion());
+    }
+    bringToFront(*window, token);
+}
+
+void MurkwellApp::open(const std::vector<std::filesystem::path>& files,
+                       const ActivationToken& token) {
+    inbox.receive(files);
+    activate(token);
+}
+
+void MurkwellApp::followDesktop() {
+    QApplication::setPalette(Theme::make(desktop.prefersDark(), desktop.accent()).palette());
+    if (window) {
+        window->setAnimated(!desktop.prefersReducedMotion());
+    }
+}
+
+} // namespace murkwell
