@@ -6,7 +6,6 @@
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPalette>
 

@@ -4,12 +4,11 @@
 
 #include <QColor>
 #include <QDBusPendingCall>
+#include <QDBusVariant> // whole, or the signal cannot be connected
 #include <QObject>
 #include <QVariant>
 
 #include <optional>
-
-class QDBusVariant;
 
 namespace murkwell {
 
