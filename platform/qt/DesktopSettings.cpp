@@ -49,6 +49,9 @@ DesktopSettings::DesktopSettings(QObject* parent)
     : QObject(parent), firstAnswer(QDBusPendingCall::fromError({})),
       platformIsDark(QGuiApplication::palette().color(QPalette::Window).lightness() < 128) {
     qDBusRegisterMetaType<SettingGroups>();
+    // Qt 6.4 looks up the types of a slot by name, which knows this one only if somebody has
+    // happened to use it before; the signal would not be connected.
+    qRegisterMetaType<QDBusVariant>();
     // How long a start may be held up, in milliseconds: less than an eye would notice.
     constexpr int brieflyEnough = 60;
     firstAnswer = readAll(brieflyEnough);

@@ -4,7 +4,7 @@
 
 #include <QColor>
 #include <QDBusPendingCall>
-#include <QDBusVariant> // whole, or the signal cannot be connected
+#include <QDBusVariant>
 #include <QObject>
 #include <QVariant>
 
