@@ -6,12 +6,14 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <QShortcutEvent>
 #include <QTimer>
 
 namespace murkwell {
 namespace {
 
 constexpr int padding = 12;
+constexpr int tightPadding = 8;
 constexpr int plainPadding = 6;
 constexpr int iconButtonSide = 26;
 constexpr int largeHeight = 36;
@@ -39,6 +41,13 @@ void Button::setCompact(bool compact) {
         isCompact = compact;
         updateGeometry();
         update();
+    }
+}
+
+void Button::setTight(bool tight) {
+    if (isTight != tight) {
+        isTight = tight;
+        updateGeometry();
     }
 }
 
@@ -71,12 +80,15 @@ QFont Button::labelFont() const {
     return look == Look::prominent ? headline(font()) : font();
 }
 
-int Button::width(bool compact) const {
+int Button::width(bool compact, bool tight) const {
     const bool hasText = showsText(compact);
-    const int sides = 2 * (isLarge ? largePadding : look == Look::plain ? plainPadding : padding);
+    const int side = isLarge               ? largePadding
+                     : look == Look::plain ? plainPadding
+                     : tight               ? tightPadding
+                                           : padding;
     const int textWidth = hasText ? QFontMetrics(labelFont()).horizontalAdvance(shownText()) : 0;
     const int iconWidth = iconName.isEmpty() ? 0 : iconSide + (hasText ? iconGap : 0);
-    return std::max(sides + textWidth + iconWidth, look == Look::plain ? iconButtonSide : 0);
+    return std::max(2 * side + textWidth + iconWidth, look == Look::plain ? iconButtonSide : 0);
 }
 
 QSize Button::sizeHint() const {
@@ -84,7 +96,7 @@ QSize Button::sizeHint() const {
                        : look == Look::plain && !showsText(isCompact) ? iconButtonSide
                                                                       : controlHeight;
     const int textHeight = QFontMetrics(labelFont()).height();
-    return {width(isCompact), std::max(wanted, textHeight + 8)};
+    return {width(isCompact, isTight), std::max(wanted, textHeight + 8)};
 }
 
 void Button::paintEvent(QPaintEvent*) {
@@ -161,6 +173,16 @@ void Button::paintWheel(QPainter& painter, const QRectF& square, const QColor& c
 void Button::enterEvent(QEnterEvent* event) {
     QPushButton::enterEvent(event);
     update();
+}
+
+// Its key acts at once: Qt would show the button pressed for a tenth of a second first.
+bool Button::event(QEvent* event) {
+    if (event->type() == QEvent::Shortcut &&
+        !static_cast<const QShortcutEvent*>(event)->isAmbiguous()) {
+        click();
+        return true;
+    }
+    return QPushButton::event(event);
 }
 
 void Button::leaveEvent(QEvent* event) {

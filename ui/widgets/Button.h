@@ -24,6 +24,9 @@ public:
     // Shows the icon alone; name and tooltip stay whole.
     void setCompact(bool compact);
 
+    // Takes a little room from both sides of the content.
+    void setTight(bool tight);
+
     // Dims icon and text.
     void setSecondary(bool secondary);
 
@@ -35,7 +38,7 @@ public:
 
     [[nodiscard]] QString label() const { return label_; }
     // The width that it would have in the other form.
-    [[nodiscard]] int width(bool compact) const;
+    [[nodiscard]] int width(bool compact, bool tight) const;
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
@@ -44,6 +47,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
     [[nodiscard]] bool showsText(bool compact) const;
@@ -58,6 +62,7 @@ private:
     QString label_;
     QString busyText_;
     bool isCompact = false;
+    bool isTight = false;
     bool isSecondary = false;
     bool isLarge = false;
     QTimer* turning; // runs while busy

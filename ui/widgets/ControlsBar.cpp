@@ -22,7 +22,7 @@ constexpr int rowGap = 12;
 constexpr int itemGap = 8;
 
 // From which step on a control shows less.
-enum Step { allTexts, chosenStyleOnly, clearIcon, countNumber, searchIcons, styleIcons };
+enum Step { allTexts, chosenStyleOnly, clearIcon, countNumber, searchIcons, styleIcons, tight };
 
 SegmentTexts styleTexts(int step) {
     if (step >= styleIcons) {
@@ -167,7 +167,7 @@ void ControlsBar::fit() {
         return;
     }
     int step = allTexts;
-    while (step < styleIcons && neededWidth(step) > width() - 2 * inset) {
+    while (step < tight && neededWidth(step) > width() - 2 * inset) {
         ++step;
     }
     shrink(step);
@@ -179,20 +179,27 @@ void ControlsBar::shrink(int step) {
     count->setText(step >= countNumber ? QString::number(shownCount) : spokenCount(shownCount));
     find->setCompact(step >= searchIcons);
     autoDetect->setCompact(step >= searchIcons);
+    style->setTight(step >= tight);
+    for (Button* const button : {find, autoDetect, reveal, exportFile}) {
+        button->setTight(step >= tight);
+    }
 }
 
 int ControlsBar::neededWidth(int step) const {
+    const bool isTight = step >= tight;
     const auto shown = [](const QWidget* item, int width) {
         return item->isVisibleTo(item->parentWidget()) ? width + itemGap : 0;
     };
+    const auto button = [&](const Button* item, bool isCompact) {
+        return shown(item, item->width(isCompact, isTight));
+    };
     const QString countText =
         step >= countNumber ? QString::number(shownCount) : spokenCount(shownCount);
-    return style->width(styleTexts(step)) + shown(find, find->width(step >= searchIcons)) +
-           shown(autoDetect, autoDetect->width(step >= searchIcons)) +
-           shown(count, count->fontMetrics().horizontalAdvance(countText)) +
-           shown(remove, remove->width(true)) + shown(clear, clear->width(step >= clearIcon)) +
-           shown(reveal, reveal->width(false)) + shown(exportFile, exportFile->width(false)) +
-           2 * itemGap; // around the space in the middle
+    return style->width(styleTexts(step), isTight) + button(find, step >= searchIcons) +
+           button(autoDetect, step >= searchIcons) +
+           shown(count, count->fontMetrics().horizontalAdvance(countText)) + button(remove, true) +
+           button(clear, step >= clearIcon) + button(reveal, false) + button(exportFile, false) +
+           itemGap; // before the space in the middle
 }
 
 void ControlsBar::resizeEvent(QResizeEvent* event) {

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int inset = 2; // of the segments in the track
 constexpr int padding = 12;
+constexpr int tightPadding = 8;
 constexpr double segmentRadius = 5.5;
 
 } // namespace
@@ -40,15 +41,23 @@ bool Segment::showsText(SegmentTexts texts) const {
            (texts == SegmentTexts::chosenOnly && isChecked());
 }
 
-int Segment::width(SegmentTexts texts) const {
+void Segment::setTight(bool tight) {
+    if (isTight != tight) {
+        isTight = tight;
+        updateGeometry();
+    }
+}
+
+int Segment::width(SegmentTexts texts, bool tight) const {
     const int textWidth = showsText(texts) ? fontMetrics().horizontalAdvance(label) : 0;
     const int iconWidth = iconName.isEmpty() ? 0 : iconSide;
     const int gap = textWidth > 0 && iconWidth > 0 ? iconGap : 0;
-    return iconWidth + gap + textWidth + 2 * padding;
+    return iconWidth + gap + textWidth + 2 * (tight ? tightPadding : padding);
 }
 
 QSize Segment::sizeHint() const {
-    return {width(shownTexts), std::max(controlHeight, fontMetrics().height() + 8) - 2 * inset};
+    return {width(shownTexts, isTight),
+            std::max(controlHeight, fontMetrics().height() + 8) - 2 * inset};
 }
 
 void Segment::paintEvent(QPaintEvent*) {
@@ -114,10 +123,16 @@ void SegmentedControl::setTexts(SegmentTexts texts) {
     }
 }
 
-int SegmentedControl::width(SegmentTexts texts) const {
+void SegmentedControl::setTight(bool tight) {
+    for (Segment* const segment : segments) {
+        segment->setTight(tight);
+    }
+}
+
+int SegmentedControl::width(SegmentTexts texts, bool tight) const {
     int sum = 2 * inset;
     for (const Segment* const segment : segments) {
-        sum += segment->width(texts);
+        sum += segment->width(texts, tight);
     }
     return sum;
 }

@@ -18,7 +18,8 @@ public:
     Segment(const QString& iconName, const QString& label, QWidget* parent);
 
     void setTexts(SegmentTexts texts);
-    [[nodiscard]] int width(SegmentTexts texts) const;
+    void setTight(bool tight);
+    [[nodiscard]] int width(SegmentTexts texts, bool tight) const;
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -31,6 +32,7 @@ private:
     QString iconName;
     QString label;
     SegmentTexts shownTexts = SegmentTexts::all;
+    bool isTight = false;
 };
 
 class SegmentedControl final : public QWidget {
@@ -44,8 +46,10 @@ public:
     // Does not emit chosen().
     void setChosen(int index);
     void setTexts(SegmentTexts texts);
+    // Takes a little room from both sides of every segment.
+    void setTight(bool tight);
     // The width that it would have in that form.
-    [[nodiscard]] int width(SegmentTexts texts) const;
+    [[nodiscard]] int width(SegmentTexts texts, bool tight) const;
 
 signals:
     void chosen(int index); // by the user
