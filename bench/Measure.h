@@ -18,6 +18,12 @@ inline double seconds(const std::function<void()>& work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
+// Keeps the compiler from dropping what nobody reads.
+template <typename T>
+void keep(T& value) {
+    asm volatile("" : : "g"(&value) : "memory");
+}
+
 struct Pair {
     double measured = std::numeric_limits<double>::infinity();
     double reference = std::numeric_limits<double>::infinity();

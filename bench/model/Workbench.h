@@ -1,6 +1,7 @@
 // A model without engines: any source loads as so many small pages.
 #pragma once
 
+#include "bench/Measure.h"
 #include "core/RandomSource.h"
 #include "model/RedactModel.h"
 
@@ -10,12 +11,6 @@
 #include <stdlib.h>
 
 namespace murkwell::bench {
-
-// Keeps the compiler from dropping what nobody reads.
-template <typename T>
-void keep(T& value) {
-    asm volatile("" : : "g"(&value) : "memory");
-}
 
 class Pages final : public PdfRenderer {
 public:
