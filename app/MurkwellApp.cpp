@@ -37,6 +37,9 @@ void MurkwellApp::open(const std::vector<std::filesystem::path>& files,
 
 void MurkwellApp::followDesktop() {
     QApplication::setPalette(Theme::make(desktop.prefersDark(), desktop.accent()).palette());
+    if (desktop.font()) {
+        QApplication::setFont(*desktop.font());
+    }
     if (window) {
         window->setAnimated(!desktop.prefersReducedMotion());
     }

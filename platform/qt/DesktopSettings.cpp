@@ -43,6 +43,24 @@ std::optional<QColor> colourOf(const QVariant& value) {
                             static_cast<float>(parts[2]));
 }
 
+// A family and a size in points, "Cantarell 11".
+std::optional<QFont> fontOf(const QString& description) {
+    const qsizetype space = description.lastIndexOf(u' ');
+    bool isNumber = false;
+    const double points = description.mid(space + 1).toDouble(&isNumber);
+    if (space <= 0 || !isNumber || points < 4 || points > 72) {
+        return std::nullopt;
+    }
+    QFont font(description.left(space));
+    font.setPointSizeF(points);
+    return font;
+}
+
+// Where this desktop's portal answers for another one's settings, Qt's own theme knows better.
+bool speaksForGnome() {
+    return !qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("KDE"));
+}
+
 } // namespace
 
 DesktopSettings::DesktopSettings(QObject* parent)
@@ -111,6 +129,8 @@ void DesktopSettings::apply(const QString& group, const QString& key, const QVar
         colourScheme = value.toUInt();
     } else if (group == appearance && key == QLatin1String("accent-color")) {
         accent_ = colourOf(value);
+    } else if (group == gnomeInterface && key == QLatin1String("font-name") && speaksForGnome()) {
+        font_ = fontOf(value.toString());
     } else if (group == gnomeInterface && key == QLatin1String("enable-animations")) {
         reducedMotion = value.typeId() == QMetaType::Bool && !value.toBool();
     }

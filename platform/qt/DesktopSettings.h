@@ -1,10 +1,12 @@
-// How the user wants programs to look: light or dark, in which accent, and whether things may move.
+// How the user wants programs to look: light or dark, in which accent and font, and whether things
+// may move.
 // Read from the desktop's portal (org.freedesktop.portal.Settings) on the session bus.
 #pragma once
 
 #include <QColor>
 #include <QDBusPendingCall>
 #include <QDBusVariant>
+#include <QFont>
 #include <QObject>
 #include <QVariant>
 
@@ -27,6 +29,8 @@ public:
     [[nodiscard]] bool prefersDark() const;
     // None when the desktop names none.
     [[nodiscard]] std::optional<QColor> accent() const { return accent_; }
+    // Of texts in programs; none when the desktop names none.
+    [[nodiscard]] std::optional<QFont> font() const { return font_; }
     [[nodiscard]] bool prefersReducedMotion() const { return reducedMotion; }
 
 signals:
@@ -45,6 +49,7 @@ private:
     bool platformIsDark;
     uint colourScheme = 0; // 1 dark, 2 light, anything else: no preference
     std::optional<QColor> accent_;
+    std::optional<QFont> font_;
     bool reducedMotion = false;
 };
 

@@ -97,6 +97,26 @@ struct DesktopSettingsTest : testing::Test {
     std::unique_ptr<OtherProgram> program;
 };
 
+TEST_F(DesktopSettingsTest, FontIsReadFromItsDescription) {
+    const QString key = QStringLiteral("font-name");
+    const std::pair<const char*, std::optional<std::pair<const char*, double>>> cases[] = {
+        {"Cantarell 11", {{"Cantarell", 11}}}, {"Noto Sans 10.5", {{"Noto Sans", 10.5}}},
+        {"Cantarell", std::nullopt},           {" 11", std::nullopt},
+        {"Cantarell 0", std::nullopt},         {"Cantarell 11pt", std::nullopt},
+    };
+    for (const auto& [description, expected] : cases) {
+        offer({{gnome, {{key, QString::fromLatin1(description)}}}});
+        DesktopSettings settings;
+        settings.waitBriefly();
+        ASSERT_EQ(settings.font().has_value(), expected.has_value()) << description;
+        if (expected) {
+            EXPECT_EQ(settings.font()->family(), QString::fromLatin1(expected->first));
+            EXPECT_EQ(settings.font()->pointSizeF(), expected->second);
+        }
+        program.reset();
+    }
+}
+
 TEST_F(DesktopSettingsTest, AreThereAtTheStart) {
     offer({{appearance, {{scheme, 1U}, {accent, colour(0.5, 0, 1)}}},
            {gnome, {{animations, false}}}});
