@@ -5,7 +5,7 @@
 
 Every file of the folder is tried whole, cut off at random places, and with random bytes changed; the
 mutations are shared out over the files of one extension. The program gets the damaged file as its
-last argument and may exit with 0 or 1. Anything else, more than 20 seconds of
+last argument and may exit with 0 or 1. Anything else, a sanitizer's report, more than 20 seconds of
 processor time or more than 4 GiB is a failure, and the damaged file is kept in the current folder.
 """
 
@@ -22,6 +22,14 @@ import threading
 
 SECONDS = 20
 KIBIBYTES = 4 << 20
+
+# By default a sanitizer leaves with 1, like a program that refuses a file. An allocation that is too
+# large fails under them as it does without.
+SANITIZER_OPTIONS = "exitcode=99:allocator_may_return_null=1"
+SANITIZER_ENVIRONMENT = {
+    **os.environ,
+    **{f"{name}_OPTIONS": SANITIZER_OPTIONS for name in ("ASAN", "LSAN", "TSAN", "UBSAN")},
+}
 
 
 def truncated(data, generator):
@@ -56,7 +64,7 @@ def cases(folder, truncations, mutations, generator):
 def verdict(command, path):
     """What the program did wrong with this file, or nothing; its seconds and KiB."""
     process = subprocess.Popen([*command, path], stdout=subprocess.DEVNULL,
-                               stderr=subprocess.DEVNULL)
+                               stderr=subprocess.DEVNULL, env=SANITIZER_ENVIRONMENT)
     watchdog = threading.Timer(6 * SECONDS, process.kill)
     watchdog.start()
     _, status, used = os.wait4(process.pid, 0)
