@@ -2,6 +2,7 @@
 
 #include "platform/pdf/PageSamples.h"
 #include "platform/pdf/RowFilter.h"
+#include "platform/pdf/RunLength.h"
 
 #include <algorithm>
 #include <libdeflate.h>
@@ -14,6 +15,7 @@ namespace {
 
 constexpr int compressionLevel = 6;
 
+using Packing = PageImage::Packing;
 using Samples = std::span<const std::uint8_t>;
 
 class Deflater {
@@ -40,25 +42,49 @@ private:
     std::unique_ptr<libdeflate_compressor, Free> compressor;
 };
 
-// Bands of rows spread over the page, about a tenth of it, on which both ways are tried.
+struct PackedRows {
+    Packing packing;
+    std::vector<std::uint8_t> bytes;
+};
+
+std::vector<std::uint8_t> filtered(Samples rows, const PageSamples& page) {
+    return filterRows(rows, page.rowSize, static_cast<std::size_t>(page.components));
+}
+
+// Bands of rows spread over the page, about a tenth of it, on which all ways are tried.
 constexpr std::size_t bandHeight = 24;
 constexpr std::size_t bandDistance = 240;
 
-bool filteringPays(const PageSamples& samples, const Deflater& deflater) {
-    const Samples all(samples.bytes);
-    const std::size_t height = all.size() / samples.rowSize;
+bool filteringPays(const PageSamples& page, const Deflater& deflater) {
+    if (page.bitsPerComponent != 8) {
+        return false;
+    }
+    const Samples all(page.bytes);
+    const std::size_t height = all.size() / page.rowSize;
     std::size_t plain = 0;
-    std::size_t filtered = 0;
+    std::size_t runs = 0;
+    std::size_t filters = 0;
     for (std::size_t y = 0; y < height; y += bandDistance) {
         const Samples band =
-            all.subspan(y * samples.rowSize, std::min(bandHeight, height - y) * samples.rowSize);
+            all.subspan(y * page.rowSize, std::min(bandHeight, height - y) * page.rowSize);
         plain += deflater.zlib(band).size();
-        filtered += deflater
-                        .zlib(filterRows(band, samples.rowSize,
-                                         static_cast<std::size_t>(samples.components)))
-                        .size();
+        runs += deflater.zlib(packRuns(band)).size();
+        filters += deflater.zlib(filtered(band, page)).size();
     }
-    return filtered < plain;
+    return filters < std::min(plain, runs);
+}
+
+// Packed runs reach further back when they are deflated, which a band is too short to show: they
+// are taken wherever they are much shorter than the rows.
+PackedRows pack(PageSamples page, const Deflater& deflater) {
+    if (filteringPays(page, deflater)) {
+        return {Packing::rowFilters, filtered(page.bytes, page)};
+    }
+    std::vector<std::uint8_t> runs = packRuns(page.bytes);
+    if (runs.size() < page.bytes.size() / 2) {
+        return {Packing::runLengths, std::move(runs)};
+    }
+    return {Packing::none, std::move(page.bytes)};
 }
 
 } // namespace
@@ -66,19 +92,18 @@ bool filteringPays(const PageSamples& samples, const Deflater& deflater) {
 std::optional<PageImage> encodePageImage(const Bitmap& page) {
     try {
         PageSamples samples = reduceToSamples(page);
+        PageImage image{page.width(),
+                        page.height(),
+                        samples.components,
+                        samples.bitsPerComponent,
+                        std::move(samples.palette),
+                        Packing::none,
+                        {}};
         const Deflater deflater;
-        const bool predicted = samples.bitsPerComponent == 8 && filteringPays(samples, deflater);
-        if (predicted) {
-            samples.bytes = filterRows(samples.bytes, samples.rowSize,
-                                       static_cast<std::size_t>(samples.components));
-        }
-        return PageImage{page.width(),
-                         page.height(),
-                         samples.components,
-                         samples.bitsPerComponent,
-                         std::move(samples.palette),
-                         predicted,
-                         deflater.zlib(samples.bytes)};
+        const PackedRows rows = pack(std::move(samples), deflater);
+        image.packing = rows.packing;
+        image.data = deflater.zlib(rows.bytes);
+        return image;
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }

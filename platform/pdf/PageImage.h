@@ -15,12 +15,19 @@ namespace murkwell {
 struct PageImage {
     using Rgb = std::array<std::uint8_t, 3>;
 
+    // What was done to the rows before they were deflated.
+    enum class Packing {
+        none,
+        rowFilters, // of PNG (predictor 15)
+        runLengths, // a second filter of the stream
+    };
+
     int width;
     int height;
     int components;           // 1, or 3 for red, green, blue
     int bitsPerComponent;     // 1 or 8
     std::vector<Rgb> palette; // empty: the component is a grey, 0 black; else an index into this
-    bool predicted;           // rows carry PNG filters (predictor 15)
+    Packing packing;
     std::vector<std::byte> data;
 };
 

@@ -52,9 +52,15 @@ void putColorSpace(fz_context* context, pdf_obj* dictionary, const PageImage& im
                           image.palette.size() * sizeof(PageImage::Rgb));
 }
 
-void putFilter(fz_context* context, pdf_obj* dictionary, const PageImage& image) {
+void putFilters(fz_context* context, pdf_obj* dictionary, const PageImage& image) {
+    if (image.packing == PageImage::Packing::runLengths) {
+        pdf_obj* const filters = pdf_dict_put_array(context, dictionary, PDF_NAME(Filter), 2);
+        pdf_array_push(context, filters, PDF_NAME(FlateDecode));
+        pdf_array_push(context, filters, PDF_NAME(RunLengthDecode));
+        return;
+    }
     pdf_dict_put(context, dictionary, PDF_NAME(Filter), PDF_NAME(FlateDecode));
-    if (image.predicted) {
+    if (image.packing == PageImage::Packing::rowFilters) {
         constexpr int anyPngFilter = 15;
         pdf_obj* const parameters =
             pdf_dict_put_dict(context, dictionary, PDF_NAME(DecodeParms), 4);
@@ -74,7 +80,7 @@ pdf_obj* addImage(fz_context* context, pdf_document* document, const PageImage& 
     pdf_dict_put_int(context, dictionary, PDF_NAME(Height), image.height);
     pdf_dict_put_int(context, dictionary, PDF_NAME(BitsPerComponent), image.bitsPerComponent);
     putColorSpace(context, dictionary, image);
-    putFilter(context, dictionary, image);
+    putFilters(context, dictionary, image);
     fz_buffer* const data = fz_new_buffer_from_shared_data(
         context, unsignedBytes(image.data.data()), image.data.size());
     constexpr int alreadyCompressed = 1;

@@ -9,14 +9,16 @@
 namespace murkwell {
 namespace {
 
-std::vector<std::uint8_t> inflate(const PageImage& image, std::size_t size) {
-    std::vector<std::uint8_t> bytes(size);
-    uLongf length = size;
+using Packing = PageImage::Packing;
+
+std::vector<std::uint8_t> inflate(const PageImage& image, std::size_t mostBytes) {
+    std::vector<std::uint8_t> bytes(mostBytes);
+    uLongf length = bytes.size();
     const int result =
         ::uncompress(bytes.data(), &length, reinterpret_cast<const Bytef*>(image.data.data()),
                      image.data.size());
     EXPECT_EQ(result, Z_OK);
-    EXPECT_EQ(length, size);
+    bytes.resize(length);
     return bytes;
 }
 
@@ -45,6 +47,23 @@ std::vector<std::uint8_t> unfilter(const std::vector<std::uint8_t>& rows, std::s
     return result;
 }
 
+// By the definition of RunLengthDecode; what lacks its end is nothing.
+std::vector<std::uint8_t> unpackRuns(const std::vector<std::uint8_t>& packed) {
+    std::vector<std::uint8_t> result;
+    for (std::size_t i = 0; i + 1 < packed.size();) {
+        const std::size_t length = packed[i++];
+        if (length < 128) {
+            for (std::size_t k = 0; k <= length; ++k) {
+                result.push_back(packed.at(i++));
+            }
+        } else {
+            EXPECT_NE(length, 128) << "ends before its end";
+            result.insert(result.end(), 257 - length, packed[i++]);
+        }
+    }
+    return packed.back() == 128 ? result : std::vector<std::uint8_t>();
+}
+
 // What a viewer would show, by the PDF rules for image streams.
 std::vector<Rgba> decode(const PageImage& image) {
     const auto width = static_cast<std::size_t>(image.width);
@@ -52,10 +71,13 @@ std::vector<Rgba> decode(const PageImage& image) {
     const auto components = static_cast<std::size_t>(image.components);
     const std::size_t bits = width * components * static_cast<std::size_t>(image.bitsPerComponent);
     const std::size_t rowSize = (bits + 7) / 8;
-    auto rows = inflate(image, (rowSize + (image.predicted ? 1 : 0)) * height);
-    if (image.predicted) {
+    auto rows = inflate(image, (rowSize + 1) * height + 2);
+    if (image.packing == Packing::rowFilters) {
         rows = unfilter(rows, rowSize, components);
+    } else if (image.packing == Packing::runLengths) {
+        rows = unpackRuns(rows);
     }
+    EXPECT_EQ(rows.size(), rowSize * height);
     std::vector<Rgba> pixels;
     for (std::size_t y = 0; y < height; ++y) {
         const std::uint8_t* row = rows.data() + y * rowSize;
@@ -153,14 +175,53 @@ TEST(PageImage, SizesThatDoNotFillAByteOrABand) {
     }
 }
 
-TEST(PageImage, FiltersRowsOnlyWhereThatMakesThemSmaller) {
-    const auto smooth =
-        encodePageImage(*painted(300, 300, [](int x, int y) { return rgb(x / 2, y / 2, 9); }));
-    const auto text = encodePageImage(*painted(300, 300, [](int x, int y) {
-        return grey(x % 50 < 6 && y % 30 < 9 ? (x * y) % 4 * 60 : 255);
-    }));
-    EXPECT_TRUE(smooth->predicted);
-    EXPECT_FALSE(text->predicted);
+// A grey that follows from the number and from nothing of its neighbours.
+Rgba anyGrey(int number) {
+    std::mt19937 random(static_cast<unsigned>(number));
+    return grey(static_cast<int>(random() & 255));
+}
+
+// Letters of many greys, each of them often on the page, nowhere in the same columns again.
+BitmapRef text() {
+    return painted(600, 600, [](int x, int y) {
+        const int place = x + y / 20 * 7;
+        const int letter = place / 15 * (y / 20 + 3) % 23;
+        const bool ink = place % 15 < 9 && y % 20 < 12;
+        return ink ? anyGrey((letter * 20 + y % 20) * 15 + place % 15) : grey(255);
+    });
+}
+
+TEST(PageImage, PacksRowsInTheWayThatMakesThemSmallest) {
+    std::mt19937 random(3);
+    const auto smooth = painted(300, 300, [](int x, int y) { return rgb(x / 2, y / 2, 9); });
+    const auto noise =
+        painted(300, 300, [&](int, int) { return grey(static_cast<int>(random() % 256)); });
+    for (const auto& [page, packing] : std::vector<std::pair<BitmapRef, Packing>>{
+             {smooth, Packing::rowFilters},
+             {text(), Packing::runLengths},
+             {noise, Packing::none},
+         }) {
+        const auto image = encodePageImage(*page);
+        ASSERT_TRUE(image);
+        EXPECT_EQ(image->packing, packing);
+        EXPECT_TRUE(std::ranges::equal(decode(*image), page->pixels()));
+    }
+}
+
+// Around what one length byte can tell.
+TEST(PageImage, RunsOfAnyLengthComeBack) {
+    for (const int length : {1, 2, 3, 4, 127, 128, 129, 130, 255, 256, 257, 258, 384, 385}) {
+        // Repeated black, then literal greys, each as long as that, and much white about them.
+        const auto page = painted(4096, 2, [&](int x, int y) {
+            const int place = x - 100 * y;
+            const bool ink = place > 0 && place <= 2 * length;
+            return !ink ? grey(255) : place <= length ? grey(0) : anyGrey(place);
+        });
+        const auto image = encodePageImage(*page);
+        ASSERT_TRUE(image);
+        EXPECT_EQ(image->packing, Packing::runLengths) << length;
+        EXPECT_TRUE(std::ranges::equal(decode(*image), page->pixels())) << length;
+    }
 }
 
 } // namespace
