@@ -47,16 +47,55 @@ Budget& budget() {
     return shared;
 }
 
-// Zeroed memory from the kernel, or null.
-void* map(std::size_t bytes) {
+std::size_t roundedUp(std::size_t value, std::size_t unit) {
+    return (value + unit - 1) / unit * unit;
+}
+
+std::byte* mapAnonymous(std::size_t bytes) {
     void* const memory =
         ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED) {
+    return memory == MAP_FAILED ? nullptr : static_cast<std::byte*>(memory);
+}
+
+void unmap(std::byte* memory, std::size_t bytes) {
+    if (bytes > 0) {
+        ::munmap(memory, bytes);
+    }
+}
+
+// Huge pages start at multiples of their size, where the kernel does not put a block by itself.
+std::byte* mapHugePages(std::size_t bytes) {
+    std::byte* const start = mapAnonymous(bytes + hugePageSize);
+    if (start == nullptr) {
         return nullptr;
     }
-    if (bytes >= hugePageSize) {
-        ::madvise(memory, bytes, MADV_HUGEPAGE);
+    const auto address = reinterpret_cast<std::uintptr_t>(start);
+    const std::size_t before = roundedUp(address, hugePageSize) - address;
+    unmap(start, before);
+    unmap(start + before + bytes, hugePageSize - before);
+    ::madvise(start + before, bytes, MADV_HUGEPAGE);
+    return start + before;
+}
+
+// Zeroed memory from the kernel, or null.
+void* map(std::size_t bytes) {
+    static const auto pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    if (bytes < hugePageSize) {
+        return mapAnonymous(bytes);
     }
+    const std::size_t whole = roundedUp(bytes, hugePageSize);
+    std::byte* const memory = mapHugePages(whole);
+    if (memory == nullptr) {
+        return nullptr;
+    }
+    // A letter page ends shortly before the end of a huge page. That one is put in place while the
+    // block is long enough for it, and then gives back what the block does not need.
+    const std::size_t end = bytes % hugePageSize;
+    if (end > hugePageSize / 2) {
+        ::madvise(memory + bytes - end, end, MADV_POPULATE_WRITE);
+    }
+    const std::size_t needed = roundedUp(bytes, pageSize);
+    unmap(memory + needed, whole - needed);
     return memory;
 }
 

@@ -18,6 +18,25 @@ TEST(Bitmap, StartsTransparentAndRowsFollowEachOther) {
     EXPECT_EQ(bitmap->pixels().back(), (Rgba{1, 2, 3, 4}));
 }
 
+// The memory of large ones is cut to size at both ends.
+TEST(Bitmap, SizesAroundHugePagesHaveAllTheirPixels) {
+    constexpr int pixelsOfHugePage = 1 << 19;
+    std::vector<std::shared_ptr<Bitmap>> bitmaps;
+    for (const int width :
+         {pixelsOfHugePage - 1, pixelsOfHugePage, pixelsOfHugePage + 1, pixelsOfHugePage * 3 / 2,
+          pixelsOfHugePage * 3 / 2 + 1, pixelsOfHugePage * 2 - 1, pixelsOfHugePage * 2}) {
+        bitmaps.push_back(Bitmap::create(width, 1));
+        ASSERT_TRUE(bitmaps.back());
+        const auto pixels = bitmaps.back()->pixels();
+        EXPECT_EQ(std::ranges::count(pixels, Rgba{}), width);
+        std::ranges::fill(pixels, Rgba{1, 2, 3, static_cast<std::uint8_t>(bitmaps.size())});
+    }
+    for (std::size_t i = 0; i < bitmaps.size(); ++i) {
+        const Rgba own{1, 2, 3, static_cast<std::uint8_t>(i + 1)};
+        EXPECT_EQ(std::ranges::count(bitmaps[i]->pixels(), own), bitmaps[i]->width());
+    }
+}
+
 TEST(Bitmap, CopyIsEqualAndSeparate) {
     const auto original = Bitmap::create(2000, 700); // large enough for huge pages
     ASSERT_TRUE(original);
