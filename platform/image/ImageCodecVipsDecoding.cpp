@@ -19,7 +19,7 @@ using vips::VError;
 using vips::VImage;
 
 // Ends what the limits below let pass. The slowest honest picture that we measured, a HEIC of 100
-// megapixels, takes 11 seconds of processor time, which the cores share.
+// megapixels, takes 11 seconds of processor time.
 constexpr std::chrono::seconds allowedTime{15};
 
 // What one picture may take while it is decoded, its bitmap included. Leaves room for the file and

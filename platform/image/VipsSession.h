@@ -20,11 +20,15 @@ public:
     VipsSession& operator=(VipsSession&&) = delete;
 };
 
-// Stops the computation of an image, and of all that is made from it later, when time runs out.
-// Must outlive the computation.
+// Stops the computation of an image, and of all that is made from it later, when time runs out:
+// when it has taken so long and this process has used as much of the processors. A picture is thus
+// not lost to other programs that keep the machine busy, nor to other work of this one. Must
+// outlive the computation.
 class VipsDeadline {
 public:
-    VipsDeadline(vips::VImage& watched, std::chrono::seconds allowed);
+    using Duration = std::chrono::nanoseconds;
+
+    VipsDeadline(vips::VImage& watched, Duration allowed);
     ~VipsDeadline();
     VipsDeadline(const VipsDeadline&) = delete;
     VipsDeadline& operator=(const VipsDeadline&) = delete;
@@ -32,10 +36,12 @@ public:
     VipsDeadline& operator=(VipsDeadline&&) = delete;
 
 private:
+    static Duration processorTime();
     static void check(VipsImage* image, VipsProgress* progress, void* deadline);
 
     vips::VImage image;
     std::chrono::steady_clock::time_point end;
+    Duration processorTimeAtEnd;
     gulong connection;
 };
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
+#include <thread>
 
 namespace murkwell {
 namespace {
@@ -148,6 +149,15 @@ TEST(HostileImage, DeadlineStopsAComputationAndWhatIsMadeFromIt) {
     VImage unhurried = VImage::black(3000, 3000);
     const VipsDeadline distant(unhurried, std::chrono::hours(1));
     EXPECT_EQ((unhurried + 1).avg(), 1);
+}
+
+TEST(HostileImage, DeadlineDoesNotCountWaiting) {
+    using namespace std::chrono_literals;
+    const VipsSession session;
+    VImage source = VImage::black(30, 30);
+    const VipsDeadline deadline(source, 200ms);
+    std::this_thread::sleep_for(250ms);
+    EXPECT_EQ((source + 1).avg(), 1);
 }
 
 } // namespace
