@@ -8,6 +8,7 @@
 #include "platform/image/SrgbConversion.h"
 #include "platform/image/VipsSession.h"
 
+#include <atomic>
 #include <memory>
 #include <new>
 
@@ -98,9 +99,18 @@ bool isAffordable(ImageFormat format, const VImage& image, Bytes file) {
     return format != ImageFormat::jpeg || pixels * jpegScanCount(file) <= mostPixelsTimesScans;
 }
 
+// A bitmap while libvips fills it, on threads of its own.
+struct Reception {
+    Bitmap& bitmap;
+    std::atomic<int> rows{0}; // so many are there
+};
+
 // Called for one strip of rows after the other, the top one first.
 int receiveRows(VipsRegion* region, VipsRect* area, void* target) {
-    Bitmap& bitmap = *static_cast<Bitmap*>(target);
+    auto& [bitmap, rows] = *static_cast<Reception*>(target);
+    if (area->top != rows) {
+        return -1;
+    }
     const bool hasAlpha = region->im->Bands == 4;
     for (int y = area->top; y < area->top + area->height; ++y) {
         const VipsPel* from = VIPS_REGION_ADDR(region, 0, y);
@@ -110,6 +120,7 @@ int receiveRows(VipsRegion* region, VipsRect* area, void* target) {
             from += hasAlpha ? 4 : 3;
         }
     }
+    rows += area->height;
     return 0;
 }
 
@@ -124,7 +135,9 @@ BitmapRef decodeWithVips(ImageFormat format, Bytes file) {
     }
     const VipsDeadline deadline(stored, allowedTime);
     const VImage image = toSrgb(stored);
-    if (vips_sink_disc(image.get_image(), receiveRows, bitmap.get()) != 0) {
+    Reception reception{*bitmap};
+    if (vips_sink_disc(image.get_image(), receiveRows, &reception) != 0 ||
+        reception.rows != bitmap->height()) {
         return nullptr;
     }
     return bitmap;
