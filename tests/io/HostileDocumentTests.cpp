@@ -352,8 +352,9 @@ std::optional<long> memoryTakenByRefusing(const SharedBytes& file) {
     return WEXITSTATUS(status);
 }
 
-// The address sanitizer keeps what is freed for a while.
-#ifdef __SANITIZE_ADDRESS__
+// The address sanitizer keeps what is freed for a while, the thread sanitizer keeps account of all
+// that is touched.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int mostMegabytes = 64;
 #else
 constexpr int mostMegabytes = 16;
