@@ -1,19 +1,14 @@
 # Finds the headers of ONNX Runtime, the distribution's before those that script/fetch-models put
 # into the cache; defines ONNXRuntime::Headers and ONNXRuntime_SONAME. The library is not linked:
 # programs load it by that name at the first search, and do without when it is not there.
+include(FetchedFiles)
 include(FindPackageHandleStandardArgs)
 
-if(DEFINED ENV{XDG_CACHE_HOME})
-    set(ONNXRuntime_cache "$ENV{XDG_CACHE_HOME}/murkwell/onnxruntime")
-else()
-    set(ONNXRuntime_cache "$ENV{HOME}/.cache/murkwell/onnxruntime")
-endif()
-
 find_path(ONNXRuntime_INCLUDE_DIR onnxruntime_cxx_api.h
-    PATHS "${ONNXRuntime_cache}/include"
+    PATHS "${MURKWELL_FETCHED}/onnxruntime/include"
     PATH_SUFFIXES onnxruntime onnxruntime/core/session)
 find_library(ONNXRuntime_LIBRARY NAMES onnxruntime libonnxruntime.so.1
-    PATHS "${ONNXRuntime_cache}/lib")
+    PATHS "${MURKWELL_FETCHED}/onnxruntime/lib")
 mark_as_advanced(ONNXRuntime_INCLUDE_DIR ONNXRuntime_LIBRARY)
 
 find_package_handle_standard_args(ONNXRuntime

@@ -13,6 +13,18 @@ target_compile_options(murkwell_options INTERFACE
     $<$<CXX_COMPILER_ID:GNU>:-Wsuggest-override>
     $<$<CXX_COMPILER_ID:Clang>:-Wsuggest-override -Wno-missing-field-initializers>
     $<$<BOOL:${MURKWELL_WARNINGS_AS_ERRORS}>:-Werror>)
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+    # The same bytes wherever it was built, and hard to take over: what it reads, others made.
+    # tools/check-hardening looks at the result.
+    include(CheckPIESupported)
+    check_pie_supported()
+    set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+    target_compile_options(murkwell_options INTERFACE
+        "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=."
+        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong -fstack-clash-protection
+        -fcf-protection)
+    target_link_options(murkwell_options INTERFACE -Wl,-z,relro,-z,now)
+endif()
 if(MURKWELL_SANITIZE)
     target_compile_options(murkwell_options INTERFACE
         -fsanitize=${MURKWELL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
