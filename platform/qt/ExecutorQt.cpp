@@ -14,7 +14,7 @@ namespace {
 void giveWayToTheMainThread() {
     constexpr int nicer = 10;
     // Where it is refused, the search merely competes.
-    static_cast<void>(::nice(nicer));
+    [[maybe_unused]] const int niceness = ::nice(nicer);
 }
 
 } // namespace
