@@ -1,0 +1,47 @@
+"""murkwell-cli on its whole road: search, export, save, open what was saved."""
+
+import subprocess
+import unittest
+
+import documents
+from network import CAN_ISOLATE, CAN_TRACE, LOCAL, Watching, sockets_of, without_network  # noqa: F401
+from program import CLI, TestInFolder
+
+
+class Road(TestInFolder):
+    def setUp(self):
+        super().setUp()
+        pixels = documents.png(64, 48, lambda x, y: (x * 4 % 256, y * 5 % 256, 128))
+        self.letter = self.write("letter.pdf", documents.letter(2))
+        self.picture = self.write("picture.png", pixels)
+        self.saved = self.folder / "work.murkwell"
+        self.exports = self.folder / "exports"
+        self.exports.mkdir()
+
+    def commands(self):
+        box = ("--box", "1:0.1,0.1,0.3,0.1")
+        yield CLI, "scan", self.letter, self.picture, "--detect", "all", "--find", "SECRET"
+        yield CLI, "text", self.letter
+        yield CLI, "redact", self.letter, "--detect", "all", *box, "--save", self.saved
+        yield CLI, "redact", self.saved, self.picture, *box, "--out-dir", self.exports
+        yield CLI, "info", self.saved
+
+    def assert_all_was_done(self):
+        self.assertEqual({path.name for path in self.exports.iterdir()},
+                         {"letter-redacted.pdf", "picture-redacted.png"})
+        self.assertTrue(self.saved.is_file())
+
+    @unittest.skipUnless(CAN_TRACE, "strace is not allowed to trace here")
+    def test_no_socket_leaves_the_machine(self):
+        for command in self.commands():
+            result, families = sockets_of(command)
+            self.assertEqual(result.returncode, 0, result.stderr)
+            self.assertLessEqual(families, LOCAL)
+        self.assert_all_was_done()
+
+    @unittest.skipUnless(CAN_ISOLATE, "network namespaces are not allowed here")
+    def test_everything_works_without_a_network(self):
+        for command in self.commands():
+            result = subprocess.run(without_network(command), capture_output=True, text=True)
+            self.assertEqual(result.returncode, 0, result.stderr)
+        self.assert_all_was_done()
