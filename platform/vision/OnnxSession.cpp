@@ -3,6 +3,7 @@
 #include "platform/vision/InstalledFiles.h"
 
 #define ORT_API_MANUAL_INIT
+#include <cstdlib>
 #include <dlfcn.h>
 #include <exception>
 #include <onnxruntime_cxx_api.h>
@@ -10,6 +11,12 @@
 
 namespace murkwell {
 namespace {
+
+// The library as its makers publish it counts what it is used for, in a database in the user's
+// cache with an identifier of the device, and sends that home when it can. It asks the environment
+// whether it may, once and while it is loaded. Set before main(), since the environment must not be
+// changed any more once there are threads.
+[[maybe_unused]] const int telemetryIsOff = ::setenv("ORT_DISABLE_TELEMETRY", "1", 1);
 
 const OrtApi* loadApi() {
     using GetApiBase = const OrtApiBase* (*)();
@@ -38,6 +45,7 @@ Ort::Env* environment() {
         }
         Ort::InitApi(api);
         auto* const made = new Ort::Env(ORT_LOGGING_LEVEL_FATAL, "murkwell");
+        made->DisableTelemetryEvents();
         // One store of memory for all sessions, grown by what is asked for and not by doubling.
         constexpr int asRequested = 1;
         constexpr int byDefault = -1;
