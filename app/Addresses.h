@@ -13,6 +13,6 @@ inline constexpr std::string_view productPage = "https://murkwell.example/";
 inline constexpr std::string_view softwareCentre = "appstream://com.tallowick.Murkwell";
 
 // The folder of the help in the user's languages, below share/ beside the folder of the program.
-inline constexpr std::string_view helpFolder = "doc/murkwell/help";
+inline constexpr std::string_view helpFolder = "murkwell/help";
 
 } // namespace murkwell::Addresses

@@ -1,10 +1,10 @@
 """murkwell-cli on its whole road: search, export, save, open what was saved."""
 
-import subprocess
 import unittest
 
 import documents
-from network import CAN_ISOLATE, CAN_TRACE, LOCAL, Watching, sockets_of, without_network  # noqa: F401
+from network import (CAN_ISOLATE, CAN_TRACE, LOCAL, WITHOUT_NETWORK, Watching,  # noqa: F401
+                     run, run_traced)
 from program import CLI, TestInFolder
 
 
@@ -32,16 +32,18 @@ class Road(TestInFolder):
         self.assertTrue(self.saved.is_file())
 
     @unittest.skipUnless(CAN_TRACE, "strace is not allowed to trace here")
-    def test_no_socket_leaves_the_machine(self):
+    def test_no_socket_leaves_the_machine_and_only_what_was_asked_for_is_written(self):
         for command in self.commands():
-            result, families = sockets_of(command)
+            result, trace = run_traced(command)
             self.assertEqual(result.returncode, 0, result.stderr)
-            self.assertLessEqual(families, LOCAL)
+            self.assertLessEqual(trace.families, LOCAL)
+            elsewhere = {path for path in trace.written if self.folder not in path.parents}
+            self.assertEqual(elsewhere, set())
         self.assert_all_was_done()
 
     @unittest.skipUnless(CAN_ISOLATE, "network namespaces are not allowed here")
     def test_everything_works_without_a_network(self):
         for command in self.commands():
-            result = subprocess.run(without_network(command), capture_output=True, text=True)
+            result = run(command, WITHOUT_NETWORK)
             self.assertEqual(result.returncode, 0, result.stderr)
         self.assert_all_was_done()
