@@ -2,6 +2,7 @@
 
 #include "app/MainWindow.h"
 #include "ui/widgets/Theme.h"
+#include "ui/widgets/WindowStyle.h"
 
 #include <QApplication>
 
@@ -14,6 +15,7 @@ MurkwellApp::MurkwellApp()
              fileManager,
              {pdfRenderer, pdfWriter, imageCodec, random},
              {textRecognizer, faceDetector, random}}) {
+    QApplication::setStyle(new WindowStyle); // which takes it
     connect(&desktop, &DesktopSettings::changed, this, &MurkwellApp::followDesktop);
 }
 

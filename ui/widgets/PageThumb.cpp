@@ -21,10 +21,11 @@ namespace {
 constexpr QSizeF thumbSize(40, 52);
 constexpr double thumbRadius = 4;
 constexpr int rowHeight = 64;
-constexpr int rowMargin = 6;  // of the highlight, left and right
-constexpr int rowPadding = 5; // inside the highlight
+constexpr int rowMargin = 5;  // of the highlight, left and right
+constexpr int rowPadding = 4; // inside the highlight
 constexpr int itemGap = 9;
 constexpr int lineGap = 2;
+constexpr int badgeGap = 3;
 
 QFont badgeFont(const QFont& font) {
     return medium(caption(font));
@@ -107,7 +108,7 @@ QRectF PageThumb::paintBadge(QPainter& painter, const QRectF& row, std::size_t c
     fillRounded(painter, badge, height / 2, withOpacity(theme.accent, 0.18));
     painter.setPen(theme.accentText);
     painter.drawText(badge, Qt::AlignCenter, number);
-    return row.adjusted(0, 0, -width - itemGap / 2.0, 0);
+    return row.adjusted(0, 0, -width - badgeGap, 0);
 }
 
 void PageThumb::paintTexts(QPainter& painter, const QRectF& space, int page,
