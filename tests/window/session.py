@@ -45,13 +45,13 @@ def wait_until(condition, what):
 class Session:
     """Ends with everything in it when the block does."""
 
-    def __init__(self):
+    def __init__(self, screen="1280x900"):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="murkwell-"))
         self.resources = contextlib.ExitStack()
         self.resources.callback(shutil.rmtree, self.folder, ignore_errors=True)
         self.environment = self._environment()
         self.environment["DISPLAY"] = ":" + self._start(
-            ["Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp"])
+            ["Xvfb", "-displayfd", "1", "-screen", "0", f"{screen}x24", "-nolisten", "tcp"])
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start(
             ["dbus-daemon", f"--config-file={self._bus_configuration()}", "--nofork", "--nopidfile",
              "--print-address=1"])

@@ -131,7 +131,8 @@ void Button::paintContent(QPainter& painter) const {
     QColor colour =
         palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::ButtonText);
     if (look == Look::prominent) {
-        colour = readableOn(theme.accent);
+        colour = isEnabled() ? readableOn(theme.accent)
+                             : withOpacity(theme.dark ? theme.text : QColor(Qt::white), 0.7);
     } else if (isSecondary && isEnabled()) {
         colour = theme.dimmed;
     }
