@@ -21,6 +21,7 @@ import tempfile
 import threading
 
 SECONDS = 20
+STARVED_SECONDS = 600  # by the clock: a busy machine may give little of its time
 KIBIBYTES = 4 << 20
 
 # By default a sanitizer leaves with 1, like a program that refuses a file. An allocation that is too
@@ -65,7 +66,7 @@ def verdict(command, path):
     """What the program did wrong with this file, or nothing; its seconds and KiB."""
     process = subprocess.Popen([*command, path], stdout=subprocess.DEVNULL,
                                stderr=subprocess.DEVNULL, env=SANITIZER_ENVIRONMENT)
-    watchdog = threading.Timer(6 * SECONDS, process.kill)
+    watchdog = threading.Timer(STARVED_SECONDS, process.kill)
     watchdog.start()
     _, status, used = os.wait4(process.pid, 0)
     watchdog.cancel()
