@@ -50,6 +50,17 @@ class Tree:
         application = self.application()
         return [] if application is None else walk(application)
 
+    def shown(self):
+        """Role and name of everything shown."""
+        found = []
+        for node in self.nodes():
+            try:
+                if is_shown(node):
+                    found.append((node.get_role_name(), node.get_name()))
+            except GLib.GError:
+                continue
+        return found
+
     def find(self, name, role=None):
         """What is shown under the name, or None."""
         for node in self.nodes():
