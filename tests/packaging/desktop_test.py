@@ -2,7 +2,9 @@
 
 import configparser
 import plistlib
+import struct
 import unittest
+from xml.etree import ElementTree
 
 from places import BUILT, ID, SOURCE, run
 from program import CLI, TestInFolder
@@ -17,6 +19,12 @@ def keyfile(text):
     parser.optionxform = str
     parser.read_string(text)
     return parser
+
+
+def png_size(path):
+    header = path.read_bytes()[:24]
+    assert header[:8] == b"\x89PNG\r\n\x1a\n", path
+    return struct.unpack(">II", header[16:24])
 
 
 class Entry(TestInFolder):
@@ -62,6 +70,14 @@ class Metainfo(unittest.TestCase):
         self.assertIn(f'<release version="{version}"', metainfo)
 
 
+    def test_its_pictures_are_there_in_the_sizes_that_it_states(self):
+        images = ElementTree.parse(BUILT / "packaging" / f"{ID}.metainfo.xml").findall(".//image")
+        self.assertGreater(len(images), 1)
+        for image in images:
+            picture = SOURCE / "docs" / "screenshots" / image.text.split("/")[-1]
+            self.assertEqual(png_size(picture), (int(image.get("width")), int(image.get("height"))))
+
+
 class OwnType(TestInFolder):
     def setUp(self):
         super().setUp()
@@ -98,7 +114,4 @@ class Icon(unittest.TestCase):
     def test_there_is_a_picture_of_every_size(self):
         for size in (16, 24, 32, 48, 64, 128, 256, 512):
             picture = BUILT / "packaging" / "icons" / f"{size}.png"
-            header = picture.read_bytes()[:24]
-            self.assertEqual(header[:8], b"\x89PNG\r\n\x1a\n")
-            self.assertEqual((int.from_bytes(header[16:20], "big"),
-                              int.from_bytes(header[20:24], "big")), (size, size))
+            self.assertEqual(png_size(picture), (size, size))
