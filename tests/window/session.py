@@ -3,6 +3,7 @@
 import contextlib
 import os
 import pathlib
+import random
 import shutil
 import signal
 import subprocess
@@ -50,8 +51,12 @@ class Session:
         self.resources = contextlib.ExitStack()
         self.resources.callback(shutil.rmtree, self.folder, ignore_errors=True)
         self.environment = self._environment()
+        # Nobody else's number: a server that ends takes the socket of one that has just begun under
+        # the same number with it.
+        number = random.randrange(100, 50000)
         self.environment["DISPLAY"] = ":" + self._start(
-            ["Xvfb", "-displayfd", "1", "-screen", "0", f"{screen}x24", "-nolisten", "tcp"])
+            ["Xvfb", f":{number}", "-displayfd", "1", "-screen", "0", f"{screen}x24", "-nolisten",
+             "tcp", "-noreset"])
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start(
             ["dbus-daemon", f"--config-file={self._bus_configuration()}", "--nofork", "--nopidfile",
              "--print-address=1"])
@@ -137,16 +142,16 @@ class Session:
         return wait_until(visible, "the window")[0]
 
     def press(self, window, keys):
-        self._xdotool("windowfocus", "--sync", window, "key", keys)
+        self.act("windowfocus", "--sync", window, "key", keys)
 
     def drag(self, window, start, end):
         """With the left button, between two points of the window."""
-        self._xdotool("mousemove", "--window", window, *start, "mousedown", 1)
+        self.act("mousemove", "--window", window, *start, "mousedown", 1)
         middle = [(a + b) // 2 for a, b in zip(start, end)]
-        self._xdotool("mousemove", "--window", window, *middle)
-        self._xdotool("mousemove", "--window", window, *end, "mouseup", 1)
+        self.act("mousemove", "--window", window, *middle)
+        self.act("mousemove", "--window", window, *end, "mouseup", 1)
 
-    def _xdotool(self, *arguments):
+    def act(self, *arguments):
         subprocess.run(["xdotool", *map(str, arguments)], check=True, env=self.environment)
 
     def ask_bus(self, destination, path, method, arguments):

@@ -24,6 +24,8 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <utility>
+
 namespace murkwell {
 namespace {
 
@@ -173,7 +175,8 @@ bool ContentView::removesSelection(const QKeyEvent& key) const {
 }
 
 void ContentView::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->mimeData()->hasUrls() && !localFiles(*event->mimeData()).empty()) {
+    dragged = localFiles(*event->mimeData());
+    if (!dragged.empty()) {
         event->acceptProposedAction();
         setTargeted(true);
     }
@@ -185,13 +188,9 @@ void ContentView::dragLeaveEvent(QDragLeaveEvent*) {
 
 void ContentView::dropEvent(QDropEvent* event) {
     setTargeted(false);
-    const auto files = localFiles(*event->mimeData());
-    if (files.empty()) {
-        return;
-    }
     event->acceptProposedAction();
     // After the drop, so that the program they come from does not wait for the loading.
-    QTimer::singleShot(0, this, [this, files] { open(files); });
+    QTimer::singleShot(0, this, [this] { open(std::exchange(dragged, {})); });
 }
 
 void ContentView::setTargeted(bool targeted) {

@@ -62,6 +62,9 @@ private:
     AutoDetectPopover* autoDetectPopover;
     bool isAnimated = true;
     bool isTargeted = false;
+    // The files that are over the window. Asked for when they enter it: at the drop, the program
+    // that they come from may not answer in time.
+    std::vector<std::filesystem::path> dragged;
     std::int64_t shownPages = 0; // of the last refresh; 0 is the face without a document
 };
 
