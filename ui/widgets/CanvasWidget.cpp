@@ -139,27 +139,37 @@ void CanvasWidget::resizeEvent(QResizeEvent*) {
 
 void CanvasWidget::changeEvent(QEvent* event) {
     if (event->type() == QEvent::PaletteChange) {
-        backdropPage = nullptr;
+        hatch = {};
+        backdrop = {};
         update();
     }
     QWidget::changeEvent(event);
 }
 
+void CanvasWidget::updateHatch() {
+    const double ratio = devicePixelRatioF();
+    const QSize pixels = (QSizeF(size()) * ratio).toSize();
+    if (hatch.size() != pixels) {
+        hatch = QPixmap(pixels);
+        hatch.setDevicePixelRatio(ratio);
+        QPainter painter(&hatch);
+        HatchBackground::paint(painter, QSizeF(size()), Theme::of(*this));
+    }
+}
+
 void CanvasWidget::updateBackdrop() {
     const BitmapRef page = model.currentImage();
     const double ratio = devicePixelRatioF();
-    const QSize size = (QSizeF(this->size()) * ratio).toSize();
     const CanvasRect fit = canvas.fit();
-    if (page == backdropPage && fit == backdropFit && size == backdrop.size()) {
+    updateHatch();
+    if (page == backdropPage && fit == backdropFit && hatch.size() == backdrop.size()) {
         return;
     }
     backdropPage = page;
     backdropFit = fit;
-    backdrop = QPixmap(size);
-    backdrop.setDevicePixelRatio(ratio);
+    backdrop = hatch;
     QPainter painter(&backdrop);
     painter.setRenderHint(QPainter::Antialiasing);
-    HatchBackground::paint(painter, QSizeF(this->size()), Theme::of(*this));
     const QRectF place = toQRectF(fit);
     if (!page || place.isEmpty()) {
         return;

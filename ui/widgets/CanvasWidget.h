@@ -35,6 +35,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    void updateHatch();
     void updateBackdrop();
     void updateCursor(const QPointF& position);
     bool pressArrow(const QKeyEvent& key);
@@ -47,7 +48,8 @@ private:
     RedactCanvas canvas;
     std::vector<CanvasShape> shown; // what the last paint was, or will be, about
 
-    // Hatch, shadow and page, in device pixels, and what they were made of.
+    // The hatch alone, and hatch, shadow and page, in device pixels; and what they were made of.
+    QPixmap hatch;
     QPixmap backdrop;
     BitmapRef backdropPage;
     CanvasRect backdropFit{};
