@@ -1,15 +1,13 @@
 """Files that are dragged onto the window from another program."""
 
 import os
-import subprocess
-import time
 import unittest
 
 import documents
 from window_test_case import WindowTestCase
 
 SOURCE = os.environ["MURKWELL_DRAG_SOURCE"]
-START, OVER_THE_WINDOW = (1150, 800), (500, 300)
+OVER_THE_WINDOW = (500, 300)
 
 
 class Drop(WindowTestCase):
@@ -18,19 +16,11 @@ class Drop(WindowTestCase):
         self.tree.await_node("Choose File…")
 
     def drop(self, *addresses):
-        """Drags from another program, which stays; answers with how it ended there."""
-        source = subprocess.Popen([SOURCE, *addresses], env=self.session.environment,
-                                  stdout=subprocess.PIPE, text=True)
+        """How the drag has ended for the program that the addresses come from; it stays."""
+        source = self.session.begin_drop(SOURCE, addresses, OVER_THE_WINDOW)
         self.addCleanup(source.stdout.close)
         self.addCleanup(source.wait)
         self.addCleanup(source.terminate)
-        self.session.act("search", "--sync", "--onlyvisible", "--name", "^Drag source$")
-        self.session.act("mousemove", *START, "mousedown", 1)
-        steps = 12
-        for step in range(1, steps + 1):
-            self.session.act("mousemove", *(round(a + (b - a) * step / steps)
-                                            for a, b in zip(START, OVER_THE_WINDOW)))
-            time.sleep(0.05)
         self.session.act("mouseup", 1)
         return source.stdout.readline().strip()
 

@@ -151,6 +151,21 @@ class Session:
         self.act("mousemove", "--window", window, *middle)
         self.act("mousemove", "--window", window, *end, "mouseup", 1)
 
+    def begin_drop(self, source, addresses, over):
+        """Drags the addresses from another program, started here, to a point of the display, where
+        the button stays pressed. Answers with that program's process."""
+        process = subprocess.Popen([source, *addresses], env=self.environment,
+                                   stdout=subprocess.PIPE, text=True)
+        self.act("search", "--sync", "--onlyvisible", "--name", "^Drag source$")
+        start = (1150, 800)  # inside its window
+        self.act("mousemove", *start, "mousedown", 1)
+        steps = 12
+        for step in range(1, steps + 1):
+            self.act("mousemove", *(round(a + (b - a) * step / steps)
+                                    for a, b in zip(start, over)))
+            time.sleep(0.05)
+        return process
+
     def act(self, *arguments):
         subprocess.run(["xdotool", *map(str, arguments)], check=True, env=self.environment)
 

@@ -86,7 +86,11 @@ int Button::width(bool compact, bool tight) const {
                      : look == Look::plain ? plainPadding
                      : tight               ? tightPadding
                                            : padding;
-    const int textWidth = hasText ? QFontMetrics(labelFont()).horizontalAdvance(shownText()) : 0;
+    // While busy it does not shrink, so that its neighbours stay where they are.
+    const QFontMetrics metrics(labelFont());
+    const int widest =
+        std::max(metrics.horizontalAdvance(label_), metrics.horizontalAdvance(shownText()));
+    const int textWidth = hasText ? widest : 0;
     const int iconWidth = iconName.isEmpty() ? 0 : iconSide + (hasText ? iconGap : 0);
     return std::max(2 * side + textWidth + iconWidth, look == Look::plain ? iconButtonSide : 0);
 }

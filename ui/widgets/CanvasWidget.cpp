@@ -190,17 +190,19 @@ void CanvasWidget::paintEvent(QPaintEvent* event) {
     const double ratio = backdrop.devicePixelRatio();
     painter.drawPixmap(dirty, backdrop, QRectF(dirty.topLeft() * ratio, dirty.size() * ratio));
     painter.setRenderHint(QPainter::Antialiasing);
+    const Theme theme = Theme::of(*this);
     for (const CanvasShape& shape : shown) {
         if (toQRectF(shape.rect).intersects(dirty)) {
-            paintShape(painter, shape);
+            paintShape(painter, shape, theme);
         }
     }
     if (showsFocusRing(*this) && !model.hasSelection()) {
-        paintFocusRing(painter, rect(), 4, Theme::of(*this));
+        paintFocusRing(painter, rect(), 4, theme);
     }
 }
 
-void CanvasWidget::paintShape(QPainter& painter, const CanvasShape& shape) const {
+void CanvasWidget::paintShape(QPainter& painter, const CanvasShape& shape,
+                              const Theme& theme) const {
     using Form = CanvasShape::Form;
     if (shape.form == Form::page) {
         return; // in the backdrop
@@ -210,7 +212,6 @@ void CanvasWidget::paintShape(QPainter& painter, const CanvasShape& shape) const
         paintNoise(painter, rect);
         return;
     }
-    const Theme theme = Theme::of(*this);
     painter.setPen(Qt::NoPen);
     painter.setBrush(shape.fill ? QBrush(colour(shape.fill->ink, shape.fill->opacity, theme))
                                 : QBrush(Qt::NoBrush));

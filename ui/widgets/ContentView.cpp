@@ -169,7 +169,7 @@ bool ContentView::eventFilter(QObject* watched, QEvent* event) {
 bool ContentView::removesSelection(const QKeyEvent& key) const {
     const bool isDelete = key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Delete;
     const QWidget* const focus = QApplication::focusWidget();
-    const bool editsText = focus != nullptr && focus->testAttribute(Qt::WA_InputMethodEnabled);
+    const bool editsText = qobject_cast<const QLineEdit*>(focus) != nullptr;
     return isDelete && !editsText && QApplication::activeModalWidget() == nullptr &&
            model.hasSelection();
 }

@@ -55,7 +55,7 @@ private:
 PageSidebar::PageSidebar(RedactModel& documentModel, QWidget* parent)
     : QWidget(parent), model(documentModel), count(new QLabel), pages(new PageList(documentModel)),
       list(new QListView), thumbs(new PageThumb(documentModel, list)) {
-    setFixedWidth(width);
+    setFixedWidth(fixedWidth);
     pages->setParent(this);
     auto* const heading = new QLabel(text(WindowTexts::pages));
     heading->setFont(headline(font()));
@@ -113,8 +113,8 @@ void PageSidebar::selectCurrentPage(int page) {
 void PageSidebar::paintEvent(QPaintEvent*) {
     const Theme theme = Theme::of(*this);
     QPainter painter(this);
-    painter.fillRect(QWidget::width() - 1, 0, 1, height(), theme.line);
-    painter.fillRect(0, list->y() - 1, QWidget::width(), 1, theme.line);
+    painter.fillRect(width() - 1, 0, 1, height(), theme.line);
+    painter.fillRect(0, list->y() - 1, width(), 1, theme.line);
 }
 
 } // namespace murkwell

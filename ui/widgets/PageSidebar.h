@@ -17,7 +17,7 @@ class PageSidebar final : public QWidget {
     Q_OBJECT
 
 public:
-    static constexpr int width = 168;
+    static constexpr int fixedWidth = 168;
 
     explicit PageSidebar(RedactModel& model, QWidget* parent = nullptr);
 

@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace murkwell {
@@ -115,7 +116,7 @@ bool Popover::eventFilter(QObject* watched, QEvent* event) {
             dismiss();
         }
     } else if (event->type() == QEvent::Resize && watched == parentWidget()) {
-        place();
+        QTimer::singleShot(0, this, &Popover::place); // once the button has its new place
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -151,9 +151,8 @@ TEST_F(CanvasOnScreen, ScreenReaderFindsABoxForEveryRedaction) {
 TEST_F(CanvasOnScreen, ManyBoxesAndAWidePageAreShown) {
     window.bench.engines.renderer.pages = {plainBitmap(20000, 500)};
     window.openPdf();
-    std::vector<Redaction> boxes;
-    for (int i = 0; i < 500; ++i) {
-        model.addRedaction({0.001 * i, 0, 0.01, 0.9});
+    for (int i = 0; i < 5000; ++i) {
+        model.addRedaction({0.0001 * i, 0, 0.01, 0.9});
     }
     window.settle();
     EXPECT_EQ(colourAt(window.onPage(0.2, 0.45)), QColor(Qt::black));

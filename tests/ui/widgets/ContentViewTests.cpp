@@ -154,6 +154,26 @@ TEST_F(Window, DeleteKeysRemoveTheSelectedBoxButEditInTheFindField) {
     }
 }
 
+TEST_F(Window, DeleteKeyAlsoWorksFromTheSidebar) {
+    window.openPdf();
+    window.find("Pages")->setFocus();
+    addBox();
+    window.key(Qt::Key_Delete);
+    EXPECT_TRUE(model.currentRedactions().empty());
+}
+
+TEST_F(Window, FileThatGoesBetweenChoosingAndOpeningIsTold) {
+    window.openPdf();
+    window.bench.panels.opened = {window.bench.folder.path / "gone.pdf"};
+    model.openPanel();
+    window.settle();
+    EXPECT_EQ(status(), "Couldn’t open “gone.pdf”.");
+    EXPECT_EQ(model.documentTitle(), "scan.pdf");
+    window.bench.panels.opened.clear(); // cancelled
+    model.openPanel();
+    EXPECT_EQ(model.documentTitle(), "scan.pdf");
+}
+
 TEST_F(Window, DroppedFilesThatHaveALocationAreOpenedInTheirOrder) {
     EXPECT_TRUE(drop({file("notes.txt"), QUrl("https://example.org/a.pdf"), file("b.pdf")}));
     ASSERT_TRUE(model.document());
@@ -209,12 +229,12 @@ TEST_F(Window, SidebarTurnsPagesAndFollowsThem) {
 }
 
 TEST(WindowWithManyPages, LastPageIsScrolledIntoTheSidebar) {
-    WindowUnderTest window(40);
+    WindowUnderTest window(1000);
     window.openPdf();
-    window.model.goToPage(39);
+    window.model.goToPage(999);
     window.settle();
     auto* const list = window.find<QAbstractItemView>("Pages");
-    const QRect row = list->visualRect(list->model()->index(39, 0));
+    const QRect row = list->visualRect(list->model()->index(999, 0));
     EXPECT_TRUE(list->viewport()->rect().contains(row));
     window.openPdf(); // another document begins at its first page
     EXPECT_EQ(list->currentIndex().row(), 0);
