@@ -26,7 +26,9 @@ Ending endingOf(const CLI::App& app, const CLI::ParseError& error) {
     }
     std::ostringstream text;
     app.exit(error, text, text);
-    return {0, text.str()};
+    std::string lines = text.str();
+    lines.erase(lines.find_last_not_of('\n') + 1); // whoever prints it ends the line
+    return {0, lines};
 }
 
 } // namespace
