@@ -27,7 +27,6 @@ Popover::Popover(const QString& name, QWidget* anchorButton, QWidget* owner)
     : QWidget(owner), content(new QVBoxLayout(this)), anchor(anchorButton) {
     setAccessibleName(name);
     setVisible(false);
-    setFixedWidth(panelWidth + 2 * shadow);
     content->setContentsMargins(shadow + inset, shadow + inset, shadow + inset,
                                 shadow + inset + pointerHeight);
     content->setSpacing(12);
@@ -61,6 +60,8 @@ void Popover::place() {
     if (!anchor) {
         return;
     }
+    // Wider only where a text would be cut otherwise.
+    setFixedWidth(std::max(panelWidth + 2 * shadow, content->minimumSize().width()));
     const int wanted = heightForWidth(width());
     resize(width(), wanted > 0 ? wanted : sizeHint().height());
     const QWidget* const owner = parentWidget();

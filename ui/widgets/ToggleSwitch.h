@@ -14,7 +14,8 @@ public:
                  QWidget* parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override { return {0, sizeHint().height()}; }
+    // The label in one line; the caption wraps.
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }
     [[nodiscard]] int heightForWidth(int width) const override;
 

@@ -2,10 +2,11 @@
 
 #include "core/Localization.h"
 #include "tests/support/WindowUnderTest.h"
+#include "ui/widgets/Button.h"
 #include "ui/widgets/SegmentedControl.h"
 
 #include <QAbstractButton>
-#include <QFontDatabase>
+#include <QCheckBox>
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,33 @@ TEST_P(NarrowWindow, ControlsRowFits) {
     }
     EXPECT_LE(right, bar->width() - 16);
     EXPECT_GT(right, 0);
+}
+
+// In every language, with a large font.
+TEST_P(NarrowWindow, PopoversCutNoText) {
+    const auto& [name, width] = GetParam();
+    const Language language(name);
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSizeF(usual.pointSizeF() * 1.3);
+    QApplication::setFont(large);
+    {
+        WindowUnderTest window;
+        window.openPdf();
+        window.view.resize(width, 700);
+        window.settle();
+        window.view.findChild<ControlsBar*>()->autoDetectButton()->click();
+        window.settle();
+        int rows = 0;
+        for (const QAbstractButton* const row : window.view.findChildren<QCheckBox*>()) {
+            if (row->isVisibleTo(&window.view)) {
+                EXPECT_GE(row->width(), row->sizeHint().width()) << row->text().toStdString();
+                ++rows;
+            }
+        }
+        EXPECT_EQ(rows, 6);
+    }
+    QApplication::setFont(usual);
 }
 
 INSTANTIATE_TEST_SUITE_P(Widths, NarrowWindow,
