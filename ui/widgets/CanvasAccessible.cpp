@@ -5,6 +5,7 @@
 #include "ui/widgets/Text.h"
 
 #include <algorithm>
+#include <set>
 
 namespace murkwell {
 namespace {
@@ -86,6 +87,36 @@ void CanvasAccessible::install() {
     QAccessible::installFactory(makeForCanvas); // installs each factory once
 }
 
+void CanvasAccessible::announceBoxes(CanvasWidget& canvas) {
+    if (QAccessible::isActive()) {
+        static_cast<CanvasAccessible*>(QAccessible::queryAccessibleInterface(&canvas))
+            ->announceChanges();
+    }
+}
+
+void CanvasAccessible::announceChanges() {
+    std::set<Uuid> present;
+    for (const Redaction& redaction : canvas().redactModel().currentRedactions()) {
+        present.insert(redaction.id);
+    }
+    std::erase_if(items, [&present](const auto& entry) {
+        const auto& [id, item] = entry;
+        if (present.contains(id)) {
+            return false;
+        }
+        QAccessibleEvent gone(QAccessible::accessibleInterface(item), QAccessible::ObjectDestroyed);
+        QAccessible::updateAccessibility(&gone);
+        QAccessible::deleteAccessibleInterface(item);
+        return true;
+    });
+    for (const Uuid& id : present) {
+        if (!items.contains(id)) {
+            QAccessibleEvent added(itemOf(id), QAccessible::ObjectCreated);
+            QAccessible::updateAccessibility(&added);
+        }
+    }
+}
+
 void CanvasAccessible::announceFocus(CanvasWidget& canvas) {
     if (!QAccessible::isActive()) {
         return;
@@ -132,13 +163,16 @@ QAccessibleInterface* CanvasAccessible::child(int index) const {
     if (index < 0 || index >= static_cast<int>(boxes.size())) {
         return nullptr;
     }
-    const Uuid& id = boxes[static_cast<std::size_t>(index)].id;
-    const auto known = items.find(id);
+    return itemOf(boxes[static_cast<std::size_t>(index)].id);
+}
+
+QAccessibleInterface* CanvasAccessible::itemOf(const Uuid& box) const {
+    const auto known = items.find(box);
     if (known != items.end()) {
         return QAccessible::accessibleInterface(known->second);
     }
-    auto* const item = new BoxAccessible(*this, id);
-    items.emplace(id, QAccessible::registerAccessibleInterface(item)); // which owns it
+    auto* const item = new BoxAccessible(*this, box);
+    items.emplace(box, QAccessible::registerAccessibleInterface(item)); // which owns it
     return item;
 }
 

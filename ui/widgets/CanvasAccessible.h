@@ -18,6 +18,9 @@ public:
     // Makes Qt use it for every canvas. May be called again.
     static void install();
 
+    // Tells which boxes have come and gone since the last call.
+    static void announceBoxes(CanvasWidget& canvas);
+
     // Tells that the selected box has the keyboard, if one is selected.
     static void announceFocus(CanvasWidget& canvas);
 
@@ -37,7 +40,10 @@ public:
     [[nodiscard]] CanvasWidget& canvas() const;
 
 private:
-    // Items that somebody has asked for; made once, since their identity matters to readers.
+    [[nodiscard]] QAccessibleInterface* itemOf(const Uuid& box) const;
+    void announceChanges();
+
+    // Made when first asked for and kept until their boxes go: readers know them by identity.
     mutable std::map<Uuid, QAccessible::Id> items;
 };
 

@@ -97,6 +97,7 @@ void CanvasWidget::refresh() {
     } else {
         invalidateChanges(canvas.shapes());
     }
+    CanvasAccessible::announceBoxes(*this);
     announceSelection();
 }
 
