@@ -88,7 +88,7 @@ Rgba randomGrey(RandomSource& random) {
         value = random.next();
     }
     const double fraction = static_cast<double>(value % steps) * 0x1p-53;
-    const auto level = static_cast<std::uint8_t>(std::lround(fraction * 255));
+    const auto level = static_cast<std::uint8_t>(fraction * 255 + 0.5); // rounded; no call
     return {level, level, level, 255};
 }
 
@@ -101,10 +101,12 @@ void fillNoise(Bitmap& page, const Box& box, RandomSource& random) {
     };
     for (std::int64_t y = rows.first; y < rows.end;) {
         const auto firstRow = rowFromBottom(page, y);
-        for (std::int64_t x = columns.first; x < columns.end;) {
-            const std::int64_t end = std::min(blockEnd(x, box.columns.first), columns.end);
-            std::ranges::fill(columnsOf(firstRow, {x, end}), randomGrey(random));
-            x = end;
+        std::int64_t x = columns.first;
+        for (std::int64_t end = blockEnd(x, box.columns.first); x < columns.end; end += blockSide) {
+            const Rgba grey = randomGrey(random);
+            for (const std::int64_t last = std::min(end, columns.end); x < last; ++x) {
+                firstRow[static_cast<std::size_t>(x)] = grey;
+            }
         }
         const std::int64_t end = std::min(blockEnd(y, box.rows.first), rows.end);
         while (++y < end) {
