@@ -8,8 +8,6 @@
 
 namespace murkwell {
 
-struct Theme;
-
 class CanvasWidget final : public QWidget {
     Q_OBJECT
 
@@ -41,8 +39,6 @@ private:
     void updateBackdrop();
     void updateCursor(const QPointF& position);
     bool pressArrow(const QKeyEvent& key);
-    void paintShape(QPainter& painter, const CanvasShape& shape, const Theme& theme) const;
-    void paintNoise(QPainter& painter, const QRectF& rect) const;
     void invalidateChanges(const std::vector<CanvasShape>& now);
     void announceSelection();
 
