@@ -12,6 +12,8 @@
 #include <QListView>
 #include <QPainter>
 
+#include <vector>
+
 namespace murkwell {
 
 // The rows of the list. What they say is read from the model whenever it is asked for.
@@ -19,19 +21,26 @@ class PageList final : public QAbstractListModel {
 public:
     explicit PageList(const RedactModel& documentModel) : model(documentModel) {}
 
-    // The rows to be shown, and those that have to be painted anew.
+    // Has the rows painted anew that differ from what is on the screen: none while a box is
+    // dragged.
     void refresh(int pageCount) {
-        if (pageCount != rows) {
+        if (pageCount != static_cast<int>(shown.size())) {
             beginResetModel();
-            rows = pageCount;
+            shown.assign(static_cast<std::size_t>(pageCount), {});
             endResetModel();
-        } else if (rows > 0) {
-            emit dataChanged(index(0), index(rows - 1));
+        }
+        for (int row = 0; row < pageCount; ++row) {
+            const Row now{model.image(row), model.redactionCount(row)};
+            Row& before = shown[static_cast<std::size_t>(row)];
+            if (!(now == before)) {
+                before = now;
+                emit dataChanged(index(row), index(row));
+            }
         }
     }
 
     [[nodiscard]] int rowCount(const QModelIndex& parent) const override {
-        return parent.isValid() ? 0 : rows;
+        return parent.isValid() ? 0 : static_cast<int>(shown.size());
     }
 
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
@@ -48,8 +57,15 @@ public:
     }
 
 private:
+    // What a row is painted from.
+    struct Row {
+        BitmapRef page;
+        std::size_t count = 0;
+        bool operator==(const Row&) const = default;
+    };
+
     const RedactModel& model;
-    int rows = 0;
+    std::vector<Row> shown;
 };
 
 PageSidebar::PageSidebar(RedactModel& documentModel, QWidget* parent)

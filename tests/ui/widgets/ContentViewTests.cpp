@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QUrl>
 
 #include <gtest/gtest.h>
@@ -226,6 +227,21 @@ TEST_F(Window, SidebarTurnsPagesAndFollowsThem) {
     model.goToPage(2);
     window.settle();
     EXPECT_EQ(list->currentIndex().row(), 2);
+}
+
+TEST_F(Window, SidebarRepaintsOnlyRowsThatDiffer) {
+    window.openPdf();
+    auto* const list = window.find<QAbstractItemView>("Pages");
+    QSignalSpy repainted(list->model(), &QAbstractItemModel::dataChanged);
+    addBox();
+    ASSERT_EQ(repainted.size(), 1);
+    EXPECT_EQ(repainted[0][0].toModelIndex().row(), 0);
+    model.updateRedaction(*model.selectedID(), {0.3, 0.3, 0.2, 0.2});
+    window.settle();
+    EXPECT_EQ(repainted.size(), 1);
+    window.bench.engines.renderer.pages = {plainBitmap(9, 9), plainBitmap(9, 9), plainBitmap(9, 9)};
+    window.openPdf(); // as many pages, others
+    EXPECT_EQ(repainted.size(), 4);
 }
 
 TEST(WindowWithManyPages, LastPageIsScrolledIntoTheSidebar) {
