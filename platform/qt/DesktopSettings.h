@@ -1,6 +1,5 @@
 // How the user wants programs to look: light or dark, in which accent and font, and whether things
-// may move.
-// Read from the desktop's portal (org.freedesktop.portal.Settings) on the session bus.
+// may move. Read from the desktop's portal (org.freedesktop.portal.Settings) on the session bus.
 #pragma once
 
 #include <QColor>

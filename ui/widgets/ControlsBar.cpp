@@ -51,7 +51,7 @@ ControlsBar::ControlsBar(RedactModel& documentModel, QWidget* parent)
       exportFile(new Button(Button::Look::prominent, {}, text(WindowTexts::exportFile))) {
     withoutDocument = openRow();
     withDocument = documentRow();
-    setTips();
+    setTipsAndKeys();
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(inset, inset, inset, inset);
     column->setSpacing(rowGap);
@@ -77,7 +77,6 @@ QWidget* ControlsBar::documentRow() {
     addClearMenu();
     count->setForegroundRole(QPalette::PlaceholderText);
     remove->setCompact(true);
-    exportFile->setShortcut(Qt::CTRL | Qt::Key_E);
     connect(remove, &QPushButton::clicked, this, [this] {
         if (const auto selected = model.selectedID()) {
             model.remove(*selected);
@@ -121,7 +120,7 @@ void ControlsBar::addClearMenu() {
     clear->setMenu(menu);
 }
 
-void ControlsBar::setTips() {
+void ControlsBar::setTipsAndKeys() {
     style->setToolTip(text(WindowTexts::styleTip));
     find->setToolTip(text(WindowTexts::findTip));
     autoDetect->setToolTip(text(WindowTexts::autoDetectTip));
@@ -131,6 +130,7 @@ void ControlsBar::setTips() {
     exportFile->setToolTip(text(WindowTexts::exportTip));
     find->setShortcut(Qt::CTRL | Qt::Key_F);
     autoDetect->setShortcut(Qt::CTRL | Qt::Key_D);
+    exportFile->setShortcut(Qt::CTRL | Qt::Key_E);
 }
 
 void ControlsBar::refresh(const WindowState& state) {
@@ -176,13 +176,17 @@ void ControlsBar::fit() {
 void ControlsBar::shrink(int step) {
     style->setTexts(styleTexts(step));
     clear->setCompact(step >= clearIcon);
-    count->setText(step >= countNumber ? QString::number(shownCount) : spokenCount(shownCount));
+    count->setText(countText(step));
     find->setCompact(step >= searchIcons);
     autoDetect->setCompact(step >= searchIcons);
     style->setTight(step >= tight);
     for (Button* const button : {find, autoDetect, reveal, exportFile}) {
         button->setTight(step >= tight);
     }
+}
+
+QString ControlsBar::countText(int step) const {
+    return step >= countNumber ? QString::number(shownCount) : spokenCount(shownCount);
 }
 
 int ControlsBar::neededWidth(int step) const {
@@ -193,13 +197,11 @@ int ControlsBar::neededWidth(int step) const {
     const auto button = [&](const Button* item, bool isCompact) {
         return shown(item, item->width(isCompact, isTight));
     };
-    const QString countText =
-        step >= countNumber ? QString::number(shownCount) : spokenCount(shownCount);
     return style->width(styleTexts(step), isTight) + button(find, step >= searchIcons) +
            button(autoDetect, step >= searchIcons) +
-           shown(count, count->fontMetrics().horizontalAdvance(countText)) + button(remove, true) +
-           button(clear, step >= clearIcon) + button(reveal, false) + button(exportFile, false) +
-           itemGap; // before the space in the middle
+           shown(count, count->fontMetrics().horizontalAdvance(countText(step))) +
+           button(remove, true) + button(clear, step >= clearIcon) + button(reveal, false) +
+           button(exportFile, false) + itemGap; // before the space in the middle
 }
 
 void ControlsBar::resizeEvent(QResizeEvent* event) {

@@ -35,12 +35,13 @@ private:
     [[nodiscard]] QWidget* documentRow();
     void addStyles();
     void addClearMenu();
-    void setTips();
+    void setTipsAndKeys();
     void showCount(const WindowState& state);
     // How little the row shows to fit: each step leaves out more than the one before.
     void fit();
     void shrink(int step);
     [[nodiscard]] int neededWidth(int step) const;
+    [[nodiscard]] QString countText(int step) const;
 
     RedactModel& model;
     StatusLine* status;
