@@ -15,17 +15,20 @@ using Bytes = std::vector<std::byte>;
 
 constexpr double jpegQuality = 0.92;
 
+constexpr std::size_t mostColoursOfGif = 256;
+
 // One fresh bitmap per page, in order. None when any page cannot be burned.
 std::optional<std::vector<BitmapRef>>
 burnPages(const Document& document, std::span<const std::vector<Redaction>> redactionsByPage,
-          RandomSource& random) {
+          RandomSource& random, std::size_t mostColours) {
     std::vector<BitmapRef> burned(document.pages.size());
     parallelFor(burned.size(), [&](std::size_t i) {
         std::span<const Redaction> redactions;
         if (i < redactionsByPage.size()) {
             redactions = redactionsByPage[i];
         }
-        burned[i] = RedactionEngine::burn(*document.pages[i].image, redactions, random);
+        burned[i] =
+            RedactionEngine::burn(*document.pages[i].image, redactions, random, mostColours);
     });
     if (burned.empty() || std::ranges::count(burned, nullptr) > 0) {
         return std::nullopt;
@@ -52,8 +55,7 @@ bool writeIfEncoded(const std::optional<Bytes>& bytes, const std::filesystem::pa
 }
 
 bool writeImage(const Bitmap& image, const std::filesystem::path& destination,
-                const ContentType& requestedType, ImageCodec& codec) {
-    const ContentType type = writableType(requestedType, codec);
+                const ContentType& type, ImageCodec& codec) {
     const auto quality =
         type == ContentType::jpeg ? std::optional<double>(jpegQuality) : std::nullopt;
     return writeIfEncoded(codec.encode(image, type, quality), destination);
@@ -76,14 +78,18 @@ bool write(const Document& document, std::span<const std::vector<Redaction>> red
     if (isSameFile(document.url, destination)) {
         return false;
     }
-    auto burned = burnPages(document, redactionsByPage, engines.random);
+    const ContentType type =
+        document.isPDF ? ContentType::pdf : writableType(document.imageType, engines.imageCodec);
+    auto burned =
+        burnPages(document, redactionsByPage, engines.random,
+                  type == ContentType::gif ? mostColoursOfGif : RedactionEngine::anyNumber);
     if (!burned) {
         return false;
     }
     if (document.isPDF) {
         return writePDF(std::move(*burned), destination, engines.pdfWriter);
     }
-    return writeImage(*burned->front(), destination, document.imageType, engines.imageCodec);
+    return writeImage(*burned->front(), destination, type, engines.imageCodec);
 }
 
 std::filesystem::path defaultOutputURL(const Document& document) {

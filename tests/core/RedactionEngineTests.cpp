@@ -3,7 +3,9 @@
 #include "core/RandomSource.h"
 #include "tests/support/ScriptedRandomSource.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <map>
@@ -162,6 +164,94 @@ TEST(Noise, BothEndsAreReachedAndBiasedDrawsAreThrownAway) {
     EXPECT_EQ(burned->row(0)[0], white);
     EXPECT_EQ(burned->row(0)[5], black);
     EXPECT_EQ(random.drawn, 3U);
+}
+
+using Colour = Rgba (*)(int i);
+
+Rgba violet(int i) {
+    return {200, static_cast<std::uint8_t>(i), static_cast<std::uint8_t>(255 - i), 255};
+}
+
+Rgba clearOrViolet(int i) {
+    return i == 0 ? Rgba{0, 0, 0, 0} : violet(i);
+}
+
+Rgba grey(int i) {
+    const auto level = static_cast<std::uint8_t>(i);
+    return {level, level, level, 255};
+}
+
+int squaredDistance(Rgba a, Rgba b) {
+    return (a.r - b.r) * (a.r - b.r) + (a.g - b.g) * (a.g - b.g) + (a.b - b.b) * (a.b - b.b);
+}
+
+// 160 x 100; the lower half is what the boxes below will hide.
+std::shared_ptr<Bitmap> halves(Colour colour, int count, int hidden) {
+    auto page = Bitmap::create(160, 100);
+    for (int i = 0; i < 16000; ++i) {
+        page->pixels()[static_cast<std::size_t>(i)] =
+            i < 8000 ? colour(i % count) : Rgba{static_cast<std::uint8_t>(i % hidden), 9, 9, 255};
+    }
+    return page;
+}
+
+TEST(LimitedColours, BoxesTakeWhatTheRestOfThePageHasOrHasRoomFor) {
+    constexpr std::size_t most = 256;
+    const std::vector boxes{box({0, 0.5, 0.5, 0.1}),
+                            box({0.5, 0.5, 0.5, 0.1}, allRedactionStyles[1]),
+                            box({0, 0.6, 1, 0.4}, RedactionStyle::noise)};
+    std::vector<std::uint64_t> script; // every level once, one for each block of the noise
+    for (std::uint64_t block = 0; block < 256; ++block) {
+        script.push_back(block * 37 % 256 * (std::uint64_t{1} << 53) / 255);
+    }
+    struct Case {
+        Colour colour;
+        int count;
+        int exactGreys;
+    };
+    for (const Case& c : {Case{violet, 256, 0},
+                          {clearOrViolet, 256, 0},
+                          {grey, 256, 256},
+                          {violet, 255, 1},
+                          {violet, 250, 6},
+                          {violet, 2, 254},
+                          {clearOrViolet, 1, 255}}) {
+        ScriptedRandomSource random(script);
+        const auto page = halves(c.colour, c.count, 1);
+        const auto burned = RedactionEngine::burn(*page, boxes, random, most);
+        ASSERT_TRUE(std::ranges::equal(burned->pixels().first(8000), page->pixels().first(8000)));
+
+        ScriptedRandomSource again(script);
+        const auto other =
+            RedactionEngine::burn(*halves(c.colour, c.count, 200), boxes, again, most);
+        EXPECT_TRUE(std::ranges::equal(burned->pixels(), other->pixels())) << c.count;
+
+        std::map<std::uint32_t, Rgba> colours;
+        for (const Rgba& pixel : burned->pixels()) {
+            colours[std::bit_cast<std::uint32_t>(pixel)] = pixel;
+        }
+        EXPECT_LE(colours.size(), most) << c.count;
+        const auto expectNearest = [&](std::size_t x, int y, Rgba meant) {
+            const Rgba pixel = burned->row(y)[x];
+            ASSERT_EQ(pixel.a, 255);
+            for (const auto& [_, available] : colours) {
+                ASSERT_TRUE(available.a == 0 ||
+                            squaredDistance(pixel, meant) <= squaredDistance(available, meant))
+                    << c.count;
+            }
+        };
+        expectNearest(0, 50, black);
+        expectNearest(80, 50, white);
+        int exact = 0;
+        for (std::size_t block = 0; block < 256; ++block) {
+            const Rgba meant = grey(static_cast<int>(block * 37 % 256));
+            const auto x = block % 32 * 5;
+            const int y = 99 - static_cast<int>(block / 32) * 5;
+            expectNearest(x, y, meant);
+            exact += burned->row(y)[x] == meant ? 1 : 0;
+        }
+        EXPECT_EQ(exact, c.exactGreys) << c.count;
+    }
 }
 
 TEST(Noise, GreysAreEvenlySpreadAndNeverRepeatBetweenBurns) {

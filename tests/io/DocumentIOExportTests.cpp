@@ -81,6 +81,24 @@ TEST(Write, ImageFormatFollowsTheSourceNeverTheName) {
     }
 }
 
+TEST(Write, OnlyAGifLimitsTheColoursOfNoise) {
+    const auto page = Bitmap::create(256, 100);
+    for (std::size_t i = 0; i < page->pixels().size(); ++i) {
+        page->pixels()[i] = {static_cast<std::uint8_t>(i), 0, 0, 255};
+    }
+    const Redaction lowerHalf{Uuid{}, {0, 0.5, 1, 0.5}, RedactionStyle::noise, false};
+    for (const ContentType& type : {ContentType::gif, ContentType::png}) {
+        FakeEngines fakes;
+        fakes.codec.encodable = {std::string(type.identifier())};
+        const TemporaryFolder folder;
+        ASSERT_TRUE(DocumentIO::write({"/nowhere/a", false, type, {{page}}}, Lists{{lowerHalf}},
+                                      folder / "out", fakes.engines()));
+        const auto noise = std::span(fakes.codec.encoded).subspan(12800);
+        EXPECT_EQ(std::ranges::all_of(noise, [](Rgba p) { return p.g == 0 && p.b == 0; }),
+                  type == ContentType::gif);
+    }
+}
+
 TEST(Write, AFailureLeavesTheDestinationAsItWas) {
     const TemporaryFolder folder;
     const auto destination = folder.write("out.pdf", "older and longer than the new one");

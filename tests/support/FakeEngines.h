@@ -58,6 +58,7 @@ public:
         if (fails) {
             return std::nullopt;
         }
+        encoded.assign(picture.pixels().begin(), picture.pixels().end());
         const Rgba pixel = picture.pixels().front();
         return bytesOf(std::string(type.identifier()) + " " +
                        (quality ? std::to_string(*quality).substr(0, 4) : "default") + " " +
@@ -65,6 +66,7 @@ public:
     }
 
     std::optional<DecodedImage> decoded;
+    std::vector<Rgba> encoded; // the pixels of the last picture
     std::vector<std::string> encodable{"public.png", "public.jpeg", "public.tiff"};
     bool fails = false;
     int decodeCalls = 0;
