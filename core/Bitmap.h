@@ -1,10 +1,13 @@
 // The one internal form of a page or picture: 8-bit premultiplied RGBA in sRGB.
 #pragma once
 
+#include "core/PixelMemory.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <utility>
 
 namespace murkwell {
 
@@ -30,14 +33,14 @@ public:
     // Most pixels a bitmap can have: 2 GiB of them.
     static constexpr std::int64_t maxPixels = std::int64_t{1} << 29;
 
-    // Transparent black. Null when a side is below 1 or when memory runs out, which is judged
-    // before the kernel would have to: all living bitmaps together may fill three quarters of the
-    // machine's memory.
+    // Bytes of so many pixels; 0 when there is no bitmap of that size.
+    [[nodiscard]] static std::size_t sizeInBytes(int width, int height);
+
+    // Transparent black. Null when a side is below 1 or when memory runs out (PixelMemory).
     [[nodiscard]] static std::shared_ptr<Bitmap> create(int width, int height);
 
     [[nodiscard]] static std::shared_ptr<Bitmap> copy(const Bitmap& source);
 
-    ~Bitmap();
     Bitmap(const Bitmap&) = delete;
     Bitmap& operator=(const Bitmap&) = delete;
 
@@ -55,11 +58,11 @@ public:
     }
 
 private:
-    enum class Content { zero, toBeOverwritten };
+    static std::shared_ptr<Bitmap> allocate(int width, int height, PixelMemory::Content content);
 
-    static std::shared_ptr<Bitmap> allocate(int width, int height, Content content);
-
-    Bitmap(int width, int height, Rgba* memory) : width_(width), height_(height), data(memory) {}
+    Bitmap(int width, int height, PixelMemory::Block block)
+        : width_(width), height_(height), memory(std::move(block)),
+          data(reinterpret_cast<Rgba*>(memory.get())) {}
 
     [[nodiscard]] std::size_t pixelCount() const {
         return static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_);
@@ -70,6 +73,7 @@ private:
 
     int width_;
     int height_;
+    PixelMemory::Block memory;
     Rgba* data;
 };
 

@@ -63,8 +63,11 @@ TEST(Bitmap, RefusesBeforeTheMachineRunsOutAndRecovers) {
         many.push_back(next);
         ASSERT_LT(many.size(), 10000U) << "never refused";
     }
+    EXPECT_FALSE(PixelShare::take(std::size_t{2} << 30)) << "what is lent counts too";
     many.clear();
     EXPECT_TRUE(Bitmap::create(64, 64));
+    EXPECT_FALSE(PixelShare::take(std::numeric_limits<std::size_t>::max()));
+    EXPECT_TRUE(PixelShare::take(1));
 }
 
 TEST(ParallelFor, EveryJobRunsOnce) {
