@@ -1,41 +1,13 @@
 #include "model/RedactModel.h"
 
 #include "core/Localization.h"
+#include "model/NearDuplicates.h"
 #include "model/WhiteSpace.h"
 
-#include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace murkwell {
 namespace {
-
-// In page space.
-constexpr double nearCentre = 0.01;
-constexpr double nearSize = 0.02;
-
-bool isNearDuplicate(const PageRect& a, const PageRect& b) {
-    const auto midX = [](const PageRect& r) { return r.minX() + std::abs(r.width) / 2; };
-    const auto midY = [](const PageRect& r) { return r.minY() + std::abs(r.height) / 2; };
-    return std::abs(midX(a) - midX(b)) < nearCentre && std::abs(midY(a) - midY(b)) < nearCentre &&
-           std::abs(std::abs(a.width) - std::abs(b.width)) < nearSize &&
-           std::abs(std::abs(a.height) - std::abs(b.height)) < nearSize;
-}
-
-// Those found that repeat neither a box that is there nor one found before them.
-std::vector<Redaction> deduplicated(const std::vector<Redaction>& found,
-                                    const std::vector<Redaction>& existing) {
-    std::vector<Redaction> accepted;
-    for (const Redaction& candidate : found) {
-        const auto repeats = [&](const Redaction& other) {
-            return isNearDuplicate(candidate.rect, other.rect);
-        };
-        if (std::ranges::none_of(existing, repeats) && std::ranges::none_of(accepted, repeats)) {
-            accepted.push_back(candidate);
-        }
-    }
-    return accepted;
-}
 
 std::string nothingFoundMessage(std::size_t targetCount) {
     return targetCount > 1 ? localized("Found nothing to redact.")
@@ -148,7 +120,9 @@ RedactModel::withoutDuplicates(const std::vector<PageMatches>& results) const {
     std::vector<PageMatches> additions;
     for (const auto& [page, found] : results) {
         if (page < redactionsByPage().size()) {
-            auto fresh = deduplicated(found, redactionsByPage()[page]);
+            const Bitmap& image = *document()->pages[page].image;
+            auto fresh = withoutNearDuplicates(found, redactionsByPage()[page],
+                                               {image.width(), image.height()});
             if (!fresh.empty()) {
                 additions.push_back({page, std::move(fresh)});
             }

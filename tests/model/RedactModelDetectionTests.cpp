@@ -103,34 +103,6 @@ TEST_F(Detection, WhatIsThereAlreadyIsNotAddedAgain) {
     EXPECT_FALSE(model.canUndo());
 }
 
-TEST_F(Detection, NearDuplicatesAreJudgedByCentreAndSize) {
-    struct Case {
-        const char* what;
-        PageRect drawn;
-        bool suppresses;
-    };
-    const PageRect found{0.25, 0.5, 0.25, 0.125};
-    // The recogniser's box that becomes the found one.
-    const RecognizedLine line{
-        "acme", {found.x, 1 - found.y - found.height, found.width, found.height}, {}};
-    bench.text.answer = {line};
-    for (const Case& each : std::vector<Case>{
-             {"the same", found, true},
-             {"centre nearly 0.01 away", {0.2599, 0.5, 0.25, 0.125}, true},
-             {"centre more than 0.01 away", {0.2601, 0.5, 0.25, 0.125}, false},
-             {"higher by more than 0.01", {0.25, 0.4899, 0.25, 0.125}, false},
-             {"nearly 0.02 wider around the centre", {0.2405, 0.5, 0.269, 0.125}, true},
-             {"more than 0.02 wider around the centre", {0.2395, 0.5, 0.271, 0.125}, false},
-             {"more than 0.02 higher around the centre", {0.25, 0.4895, 0.25, 0.146}, false},
-         }) {
-        bench.openPdf();
-        ASSERT_TRUE(model.addRedaction(each.drawn));
-        model.redactMatches("acme", false);
-        bench.executor.runAll();
-        EXPECT_EQ(model.totalRedactionCount(), each.suppresses ? 1U : 2U) << each.what;
-    }
-}
-
 TEST_F(Detection, OfTwoFoundNearDuplicatesTheFirstIsAdded) {
     bench.faces.answer = {{{0.4, 0.4, 0.2, 0.2}, {0.405, 0.4, 0.2, 0.2}, {0.415, 0.4, 0.2, 0.2}}};
     detect();
