@@ -19,7 +19,10 @@ struct Engines {
 // Runs every job at once, on the thread that gives it.
 class ImmediateExecutor final : public Executor {
 public:
-    void background(std::function<void()> job) override { job(); }
+    [[nodiscard]] bool background(std::function<void()> job) override {
+        job();
+        return true;
+    }
     void onMain(std::function<void()> job) override { job(); }
 };
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <sched.h>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -18,11 +18,16 @@ std::size_t availableProcessors() {
     return std::max(1U, std::thread::hardware_concurrency());
 }
 
-void parallelFor(std::size_t count, const std::function<void(std::size_t)>& job) {
+bool parallelFor(std::size_t count, const std::function<void(std::size_t)>& job) {
     std::atomic<std::size_t> next{0};
+    std::atomic<bool> allDone{true};
     const auto work = [&] {
         for (std::size_t i = next.fetch_add(1); i < count; i = next.fetch_add(1)) {
-            job(i);
+            try {
+                job(i);
+            } catch (...) {
+                allDone = false;
+            }
         }
     };
     std::vector<std::jthread> workers;
@@ -30,11 +35,13 @@ void parallelFor(std::size_t count, const std::function<void(std::size_t)>& job)
     for (std::size_t i = 1; i < wanted; ++i) {
         try {
             workers.emplace_back(work);
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) {
             break; // No more threads to be had: those that run do all the jobs.
         }
     }
     work();
+    workers.clear(); // waits for them
+    return allDone;
 }
 
 } // namespace murkwell

@@ -10,8 +10,8 @@ namespace murkwell {
 [[nodiscard]] std::size_t availableProcessors();
 
 // Calls job(0) ... job(count - 1), each once, the calling thread among the workers; returns when
-// all have returned. Low indices start first. The job may run on several threads at once and must
-// not throw.
-void parallelFor(std::size_t count, const std::function<void(std::size_t)>& job);
+// all are over. Low indices start first. The job may run on several threads at once. One that
+// throws, for want of memory say, has failed: the others run all the same, and the answer is false.
+[[nodiscard]] bool parallelFor(std::size_t count, const std::function<void(std::size_t)>& job);
 
 } // namespace murkwell

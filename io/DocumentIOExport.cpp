@@ -22,7 +22,7 @@ std::optional<std::vector<BitmapRef>>
 burnPages(const Document& document, std::span<const std::vector<Redaction>> redactionsByPage,
           RandomSource& random, std::size_t mostColours) {
     std::vector<BitmapRef> burned(document.pages.size());
-    parallelFor(burned.size(), [&](std::size_t i) {
+    const bool allRan = parallelFor(burned.size(), [&](std::size_t i) {
         std::span<const Redaction> redactions;
         if (i < redactionsByPage.size()) {
             redactions = redactionsByPage[i];
@@ -30,7 +30,7 @@ burnPages(const Document& document, std::span<const std::vector<Redaction>> reda
         burned[i] =
             RedactionEngine::burn(*document.pages[i].image, redactions, random, mostColours);
     });
-    if (burned.empty() || std::ranges::count(burned, nullptr) > 0) {
+    if (!allRan || burned.empty() || std::ranges::count(burned, nullptr) > 0) {
         return std::nullopt;
     }
     return burned;

@@ -9,8 +9,10 @@ class Executor {
 public:
     virtual ~Executor() = default;
 
-    // Runs the job on a thread that is not the main one, soon. Called on the main thread.
-    virtual void background(std::function<void()> job) = 0;
+    // Runs the job on a thread that is not the main one, soon. False when it cannot be run. Called
+    // on the main thread. What the job throws ends the job and nothing else, and nobody is told: a
+    // job that is waited for catches it.
+    [[nodiscard]] virtual bool background(std::function<void()> job) = 0;
 
     // Runs the job on the main thread, from its event loop, which may be that of a modal panel.
     // May be called from any thread, and from a background job.

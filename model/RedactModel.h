@@ -160,8 +160,8 @@ private:
 
     [[nodiscard]] std::vector<std::int64_t> targetPages() const;
     void runFind(std::string_view name, Operation operation, Search search);
-    [[nodiscard]] static std::vector<PageMatches> searchPages(const SearchRun& run);
-    void finishFind(const SearchRun& run, const std::vector<PageMatches>& results);
+    [[nodiscard]] static std::optional<std::vector<PageMatches>> searchPages(const SearchRun& run);
+    void finishFind(const SearchRun& run, const std::optional<std::vector<PageMatches>>& results);
     [[nodiscard]] std::vector<PageMatches>
     withoutDuplicates(const std::vector<PageMatches>& results) const;
 

@@ -4,6 +4,7 @@
 #include "model/NearDuplicates.h"
 #include "model/WhiteSpace.h"
 
+#include <exception>
 #include <utility>
 
 namespace murkwell {
@@ -72,7 +73,7 @@ void RedactModel::runFind(std::string_view name, Operation operation, Search sea
     activeOperation = operation;
     statusMessage = std::nullopt;
     errorMessage = std::nullopt;
-    services.executor.background(
+    const bool isBegun = services.executor.background(
         [run, &executor = services.executor, alive = std::weak_ptr(liveness)] {
             executor.onMain([run, alive, results = searchPages(*run)] {
                 if (const auto model = alive.lock()) {
@@ -80,24 +81,37 @@ void RedactModel::runFind(std::string_view name, Operation operation, Search sea
                 }
             });
         });
+    if (!isBegun) {
+        finishFind(*run, std::nullopt);
+    }
 }
 
-// On a background thread: page after page, in order.
-std::vector<RedactModel::PageMatches> RedactModel::searchPages(const SearchRun& run) {
-    std::vector<PageMatches> results;
-    for (const std::int64_t page : run.targetPages) {
-        if (page >= 0 && static_cast<std::uint64_t>(page) < run.images.size()) {
-            const auto index = static_cast<std::size_t>(page);
-            results.push_back({index, run.search(*run.images[index])});
+// On a background thread: page after page, in order. None when it could not be finished.
+std::optional<std::vector<RedactModel::PageMatches>>
+RedactModel::searchPages(const SearchRun& run) {
+    try {
+        std::vector<PageMatches> results;
+        for (const std::int64_t page : run.targetPages) {
+            if (page >= 0 && static_cast<std::uint64_t>(page) < run.images.size()) {
+                const auto index = static_cast<std::size_t>(page);
+                results.push_back({index, run.search(*run.images[index])});
+            }
         }
+        return results;
+    } catch (const std::exception&) {
+        return std::nullopt; // no memory, most likely
     }
-    return results;
 }
 
 // What was found goes to the work that is open now, judged by the boxes that are there now.
-void RedactModel::finishFind(const SearchRun& run, const std::vector<PageMatches>& results) {
+void RedactModel::finishFind(const SearchRun& run,
+                             const std::optional<std::vector<PageMatches>>& results) {
     activeOperation = std::nullopt;
-    const std::vector<PageMatches> additions = withoutDuplicates(results);
+    if (!results) {
+        errorMessage = localized("The search could not be finished.");
+        return;
+    }
+    const std::vector<PageMatches> additions = withoutDuplicates(*results);
     if (additions.empty()) {
         statusMessage = nothingFoundMessage(run.targetPages.size());
         return;

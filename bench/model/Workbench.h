@@ -41,7 +41,7 @@ public:
 
 class NoDesktop final : public Executor, public Panels, public Preferences, public FileManager {
 public:
-    void background(std::function<void()>) override {}
+    bool background(std::function<void()>) override { return true; }
     void onMain(std::function<void()>) override {}
     std::vector<std::filesystem::path> run(const OpenPanel&) override { return {}; }
     std::optional<std::filesystem::path> run(const SavePanel&) override { return saved; }

@@ -112,16 +112,23 @@ std::optional<PageLine> readEitherWay(const cv::Mat& pixels, const cv::RotatedRe
             }
         }
         return best ? std::optional(std::move(best->line)) : std::nullopt;
-    } catch (const std::exception&) {
-        return std::nullopt; // no memory for this line, or sizes that OpenCV refuses
+    } catch (const cv::Exception& refused) {
+        if (refused.code == cv::Error::StsNoMem) {
+            throw; // not to be taken for a place without text
+        }
+        return std::nullopt; // sizes that OpenCV refuses
     }
 }
 
-std::vector<PageLine> readLines(const cv::Mat& pixels, const std::vector<cv::RotatedRect>& places,
-                                const Reader& reader) {
+// None when not every place could be looked at.
+std::optional<std::vector<PageLine>>
+readLines(const cv::Mat& pixels, const std::vector<cv::RotatedRect>& places, const Reader& reader) {
     std::vector<std::optional<PageLine>> read(places.size());
-    parallelFor(places.size(),
-                [&](std::size_t i) { read[i] = readEitherWay(pixels, places[i], reader); });
+    const bool allRan = parallelFor(
+        places.size(), [&](std::size_t i) { read[i] = readEitherWay(pixels, places[i], reader); });
+    if (!allRan) {
+        return std::nullopt;
+    }
     std::vector<PageLine> lines;
     for (auto& line : read) {
         if (line) {
@@ -164,9 +171,12 @@ std::optional<std::vector<RecognizedLine>> TextRecognizerPpOcr::recognize(const 
         std::ranges::sort(*places, std::ranges::greater(), [](const cv::RotatedRect& place) {
             return std::max(place.size.width, place.size.height);
         });
+        auto parts = readLines(pixels, *places, {*loaded->reader, loaded->alphabet});
+        if (!parts) {
+            return std::nullopt;
+        }
         std::vector<RecognizedLine> lines;
-        for (PageLine& line :
-             joinLines(readLines(pixels, *places, {*loaded->reader, loaded->alphabet}))) {
+        for (PageLine& line : joinLines(std::move(*parts))) {
             lines.push_back(recognizedLine(std::move(line), image));
         }
         return lines;

@@ -180,7 +180,8 @@ std::optional<std::vector<BitmapRef>> PdfRendererMuPdf::render(std::span<const s
             pages[static_cast<std::size_t>(i)] = worker.rasterize(i, expiredPages);
         }
     };
-    parallelFor(std::min(pages.size(), availableProcessors()), [&](std::size_t thread) {
+    const auto threads = std::min(pages.size(), availableProcessors());
+    const bool allRan = parallelFor(threads, [&](std::size_t thread) {
         if (thread == 0) {
             renderPages(*first);
         } else {
@@ -188,7 +189,7 @@ std::optional<std::vector<BitmapRef>> PdfRendererMuPdf::render(std::span<const s
             renderPages(another);
         }
     });
-    return pages;
+    return allRan ? std::optional(std::move(pages)) : std::nullopt;
 }
 
 } // namespace murkwell

@@ -20,10 +20,13 @@ unsigned char* unsignedBytes(const std::byte* bytes) {
 // None when one of them cannot be made.
 std::optional<std::vector<PageImage>> encodeImages(std::vector<BitmapRef> pages) {
     std::vector<std::optional<PageImage>> encoded(pages.size());
-    parallelFor(pages.size(), [&](std::size_t i) {
+    const bool allRan = parallelFor(pages.size(), [&](std::size_t i) {
         encoded[i] = encodePageImage(*pages[i]);
         pages[i].reset();
     });
+    if (!allRan) {
+        return std::nullopt;
+    }
     std::vector<PageImage> images;
     images.reserve(encoded.size());
     for (auto& image : encoded) {

@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <exception>
 #include <utility>
 
 namespace murkwell {
@@ -30,15 +31,18 @@ ExecutorQt::~ExecutorQt() {
     }
 }
 
-void ExecutorQt::background(std::function<void()> job) {
-    {
+bool ExecutorQt::background(std::function<void()> job) {
+    try {
+        if (!worker.joinable()) {
+            worker = std::thread([this] { work(); });
+        }
         const std::lock_guard lock(mutex);
         waiting.push_back(std::move(job));
-    }
-    if (!worker.joinable()) {
-        worker = std::thread([this] { work(); });
+    } catch (const std::exception&) {
+        return false; // no thread, or no memory
     }
     changed.notify_one();
+    return true;
 }
 
 void ExecutorQt::onMain(std::function<void()> job) {
@@ -60,7 +64,11 @@ void ExecutorQt::work() {
         }
         auto job = std::move(waiting.front());
         lock.unlock();
-        job();
+        try {
+            job();
+        } catch (...) {
+            // It has failed, and that is the end of the job alone.
+        }
         job = nullptr; // what it holds goes before it counts as done
         lock.lock();
         waiting.pop_front();

@@ -23,7 +23,7 @@ public:
 
     // One job at a time, in the order given, on a thread that leaves the processor to the main one
     // whenever that wants it. So do the threads that a job starts.
-    void background(std::function<void()> job) override;
+    [[nodiscard]] bool background(std::function<void()> job) override;
     void onMain(std::function<void()> job) override;
 
     // Whether a background job runs or waits. Any thread.

@@ -70,11 +70,20 @@ TEST(Bitmap, RefusesBeforeTheMachineRunsOutAndRecovers) {
     EXPECT_TRUE(PixelShare::take(1));
 }
 
+// Also when some of them throw, which only the answer tells.
 TEST(ParallelFor, EveryJobRunsOnce) {
     for (const std::size_t count : {0U, 1U, 2U, 1000U}) {
-        std::vector<int> runs(count, 0);
-        parallelFor(count, [&](std::size_t i) { ++runs[i]; });
-        EXPECT_EQ(std::ranges::count(runs, 1), static_cast<std::ptrdiff_t>(count));
+        for (const std::size_t throwing : {count, count / 2}) {
+            std::vector<int> runs(count, 0);
+            const bool allDone = parallelFor(count, [&](std::size_t i) {
+                ++runs[i];
+                if (i >= throwing) {
+                    throw std::bad_alloc();
+                }
+            });
+            EXPECT_EQ(std::ranges::count(runs, 1), static_cast<std::ptrdiff_t>(count));
+            EXPECT_EQ(allDone, throwing == count);
+        }
     }
 }
 

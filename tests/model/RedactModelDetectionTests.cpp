@@ -225,6 +225,37 @@ TEST_F(Detection, AnotherDocumentMeanwhileGetsTheBoxesOfThePagesItHas) {
     EXPECT_EQ(model.statusMessage(), "Added 2 redactions across 1 pages.");
 }
 
+TEST_F(Detection, ASearchThatThrowsOrCannotBeginHasFailed) {
+    class Thrower final : public FaceDetector {
+        std::optional<std::vector<RecognizerRect>> detectFaces(const Bitmap&) override {
+            throw std::bad_alloc();
+        }
+    } thrower;
+    class Unable final : public Executor {
+        bool background(std::function<void()>) override { return false; }
+        void onMain(std::function<void()>) override {}
+    } unable;
+    const Services services = bench.services();
+    Services throwing{services.executor,    services.panels,
+                      services.preferences, services.fileManager,
+                      services.documents,   {bench.text, thrower, bench.engines.random}};
+    Services busy{unable,
+                  services.panels,
+                  services.preferences,
+                  services.fileManager,
+                  services.documents,
+                  services.detection};
+    for (const Services& given : {throwing, busy}) {
+        RedactModel other(given);
+        other.open({bench.folder.write("other.pdf", "")});
+        other.autoDetect();
+        bench.executor.runAll();
+        EXPECT_FALSE(other.activeOperation());
+        EXPECT_EQ(other.errorMessage(), "The search could not be finished.");
+        EXPECT_FALSE(other.statusMessage());
+    }
+}
+
 TEST_F(Detection, TheModelGoneMeanwhileNothingHappens) {
     model.autoDetect();
     bench.executor.runBackground();
@@ -245,7 +276,10 @@ TEST_F(Detection, ItsEndInsideAPanelIsPartOfWhatIsSaved) {
 // A real thread searches while the main one edits: for the thread sanitizer.
 class ThreadedExecutor final : public Executor {
 public:
-    void background(std::function<void()> job) override { thread = std::thread(std::move(job)); }
+    bool background(std::function<void()> job) override {
+        thread = std::thread(std::move(job));
+        return true;
+    }
     void onMain(std::function<void()> job) override { finish = std::move(job); }
 
     std::thread thread;

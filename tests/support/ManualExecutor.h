@@ -10,8 +10,9 @@ namespace murkwell {
 
 class ManualExecutor final : public Executor {
 public:
-    void background(std::function<void()> job) override {
+    bool background(std::function<void()> job) override {
         backgroundJobs.push_back(std::move(job));
+        return true;
     }
     void onMain(std::function<void()> job) override { mainJobs.push_back(std::move(job)); }
 

@@ -29,18 +29,26 @@ TEST(ExecutorQt, BackgroundJobsRunInOrderOnOneOtherThread) {
     std::vector<std::thread::id> threads;
     QEventLoop loop;
     for (int i = 0; i < 20; ++i) {
-        executor.background([&, i] {
+        EXPECT_TRUE(executor.background([&, i] {
             order.push_back(i);
             threads.push_back(std::this_thread::get_id());
-        });
+        }));
     }
-    executor.background([&] { executor.onMain([&] { loop.quit(); }); });
+    EXPECT_TRUE(executor.background([&] { executor.onMain([&] { loop.quit(); }); }));
     loop.exec();
     std::vector<int> expected(20);
     std::iota(expected.begin(), expected.end(), 0);
     EXPECT_EQ(order, expected);
     EXPECT_THAT(threads, testing::Each(threads.front()));
     EXPECT_NE(threads.front(), std::this_thread::get_id());
+}
+
+TEST(ExecutorQt, AJobThatThrowsEndsAlone) {
+    ExecutorQt executor;
+    EXPECT_TRUE(executor.background([] { throw std::bad_alloc(); }));
+    std::promise<void> next;
+    EXPECT_TRUE(executor.background([&] { next.set_value(); }));
+    next.get_future().wait();
 }
 
 TEST(ExecutorQt, BackgroundAndItsThreadsGiveWayToTheMainThread) {
@@ -51,11 +59,11 @@ TEST(ExecutorQt, BackgroundAndItsThreadsGiveWayToTheMainThread) {
     }
     ExecutorQt executor;
     std::promise<std::pair<int, int>> measured;
-    executor.background([&] {
+    EXPECT_TRUE(executor.background([&] {
         int started = 0;
         std::thread([&] { started = niceness(); }).join();
         measured.set_value({niceness(), started});
-    });
+    }));
     const auto [background, started] = measured.get_future().get();
     EXPECT_GT(background, own);
     EXPECT_EQ(started, background);
@@ -66,12 +74,12 @@ TEST(ExecutorQt, ResultsArriveWhileAModalPanelIsUp) {
     ExecutorQt executor;
     QDialog panel;
     std::thread::id thread;
-    executor.background([&] {
+    EXPECT_TRUE(executor.background([&] {
         executor.onMain([&] {
             thread = std::this_thread::get_id();
             panel.accept();
         });
-    });
+    }));
     EXPECT_EQ(panel.exec(), QDialog::Accepted);
     EXPECT_EQ(thread, std::this_thread::get_id());
 }
@@ -89,10 +97,10 @@ TEST(ExecutorQt, IsBusyWhileAJobRunsOrWaits) {
     ExecutorQt executor;
     EXPECT_FALSE(executor.isBusy());
     std::promise<void> mayEnd;
-    executor.background([&] { mayEnd.get_future().wait(); });
+    EXPECT_TRUE(executor.background([&] { mayEnd.get_future().wait(); }));
     EXPECT_TRUE(executor.isBusy());
     QEventLoop loop;
-    executor.background([&] { executor.onMain([&] { loop.quit(); }); });
+    EXPECT_TRUE(executor.background([&] { executor.onMain([&] { loop.quit(); }); }));
     mayEnd.set_value();
     loop.exec();
     while (executor.isBusy()) {
@@ -104,10 +112,10 @@ TEST(ExecutorQt, NoMainJobRunsAfterItsEnd) {
     auto executor = std::make_unique<ExecutorQt>();
     bool ran = false;
     std::promise<void> posted;
-    executor->background([&] {
+    EXPECT_TRUE(executor->background([&] {
         executor->onMain([&] { ran = true; });
         posted.set_value();
-    });
+    }));
     posted.get_future().wait();
     executor.reset();
     QCoreApplication::processEvents();
@@ -119,11 +127,11 @@ TEST(ExecutorQt, ItsEndAwaitsTheRunningJob) {
     std::promise<void> begun;
     std::promise<void> mayEnd;
     bool ended = false;
-    executor->background([&] {
+    EXPECT_TRUE(executor->background([&] {
         begun.set_value();
         mayEnd.get_future().wait();
         ended = true;
-    });
+    }));
     begun.get_future().wait();
     std::thread release([&] { mayEnd.set_value(); });
     executor.reset();
