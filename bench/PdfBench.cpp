@@ -29,7 +29,12 @@ std::vector<std::byte> read(const char* path) {
 }
 
 std::vector<BitmapRef> load(const std::vector<std::byte>& pdf) {
-    return PdfRendererMuPdf().render(pdf).value_or(std::vector<BitmapRef>());
+    const auto result = PdfRendererMuPdf().render(pdf, std::nullopt);
+    std::vector<BitmapRef> pages;
+    for (const auto& page : std::get<std::vector<RenderedPage>>(result)) {
+        pages.push_back(page.image);
+    }
+    return pages;
 }
 
 // Every page at scale 2 with nothing of ours around it.

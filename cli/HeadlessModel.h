@@ -2,6 +2,7 @@
 // line, and a search is over when it returns.
 #pragma once
 
+#include "cli/Output.h"
 #include "cli/RememberedText.h"
 #include "model/RedactModel.h"
 
@@ -62,10 +63,14 @@ public:
                  engines.documents,
                  {text, engines.recognition.faceDetector, engines.recognition.random}}) {}
 
-    // The model's message when the source cannot be opened.
+    // The model's message when the source cannot be opened. What did not come whole is reported.
     [[nodiscard]] std::optional<std::string> open(const std::filesystem::path& source) {
         model.open({source});
-        return model.document() ? std::nullopt : model.errorMessage();
+        if (!model.document()) {
+            return model.errorMessage();
+        }
+        printRemarks(source, *model.document());
+        return std::nullopt;
     }
 
 private:

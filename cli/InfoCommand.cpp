@@ -16,7 +16,13 @@ using std::filesystem::path;
 // Whatever can be loaded is described, also a picture of a type that is not taken for redaction.
 std::optional<Document> documentAt(const path& source, const Engines& engines) {
     if (ContentType::fromExtension(pathExtension(source)) != DocumentIO::sessionType()) {
-        return DocumentIO::load(source, engines.documents);
+        const auto result = DocumentIO::load(source, engines.documents);
+        const auto* const document = std::get_if<Document>(&result);
+        if (document == nullptr) {
+            return std::nullopt;
+        }
+        printRemarks(source, *document);
+        return *document;
     }
     HeadlessModel headless(engines);
     if (headless.open(source)) {

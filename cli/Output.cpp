@@ -2,6 +2,7 @@
 
 #include "core/Localization.h"
 #include "io/FileName.h"
+#include "model/DocumentRemarks.h"
 
 #include <iostream>
 #include <nlohmann/json.hpp>
@@ -24,6 +25,12 @@ void printJson(const nlohmann::ordered_json& line) {
 
 void printFailure(std::string_view message) {
     std::cerr << message << std::endl;
+}
+
+void printRemarks(const std::filesystem::path& file, const DocumentIO::Document& document) {
+    for (const std::string& remark : remarksOn(document)) {
+        printFailure(lastPathComponent(file) + ": " + remark);
+    }
 }
 
 std::string alreadyThere(const std::filesystem::path& file) {

@@ -2,6 +2,8 @@
 // error.
 #pragma once
 
+#include "io/DocumentIO.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <nlohmann/json_fwd.hpp>
@@ -14,6 +16,9 @@ namespace murkwell::cli {
 void printJson(const nlohmann::ordered_json& line);
 
 void printFailure(std::string_view message);
+
+// On standard error, each with the file's name.
+void printRemarks(const std::filesystem::path& file, const DocumentIO::Document& document);
 
 // Messages that the model does not have, in the user's language.
 [[nodiscard]] std::string alreadyThere(const std::filesystem::path& file);

@@ -3,6 +3,6 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     murkwell::PdfRendererMuPdf renderer;
-    (void)renderer.render(std::as_bytes(std::span(data, size)));
+    (void)renderer.render(std::as_bytes(std::span(data, size)), std::nullopt);
     return 0;
 }

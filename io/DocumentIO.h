@@ -9,9 +9,12 @@
 #include "io/PdfWriter.h"
 
 #include <array>
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <span>
+#include <string>
+#include <variant>
 #include <vector>
 
 namespace murkwell {
@@ -21,7 +24,8 @@ class RandomSource;
 namespace DocumentIO {
 
 struct Page {
-    BitmapRef image; // never null
+    BitmapRef image;        // never null
+    bool isComplete = true; // false: something of it may be missing, or shown that should not be
 };
 
 // A plain value: copies share the page bitmaps.
@@ -30,7 +34,11 @@ struct Document {
     bool isPDF;
     ContentType imageType;   // PDF when isPDF
     std::vector<Page> pages; // never empty; one page unless isPDF
+    // Pages that the file has and that are not among `pages`.
+    std::size_t omittedPages = 0;
 };
+
+using LoadResult = std::variant<Document, LoadFailure>;
 
 // The libraries behind loading and export. Referred to, not owned.
 struct Engines {
@@ -46,13 +54,15 @@ struct Engines {
 // The type of our own saved documents.
 [[nodiscard]] const ContentType& sessionType();
 
-// The name alone decides whether the bytes are read as a PDF or as a picture. PDF pages that cannot
-// be rendered are left out and those behind them move up. None when nothing can be shown.
-[[nodiscard]] std::optional<Document> load(const std::filesystem::path& url,
-                                           const Engines& engines);
-[[nodiscard]] std::optional<Document> load(std::span<const std::byte> data,
-                                           const std::filesystem::path& nominalURL,
-                                           const Engines& engines);
+// The name alone decides whether the bytes are read as a PDF or as a picture. PDF pages that the
+// file makes impossible are left out, counted, and those behind them move up. A failure when
+// nothing can be shown. The password is that of a PDF (UTF-8); it is asked for also after a wrong
+// one.
+[[nodiscard]] LoadResult load(const std::filesystem::path& url, const Engines& engines,
+                              const std::optional<std::string>& password = std::nullopt);
+[[nodiscard]] LoadResult load(std::span<const std::byte> data,
+                              const std::filesystem::path& nominalURL, const Engines& engines,
+                              const std::optional<std::string>& password = std::nullopt);
 
 // Burns every page and writes the result: a PDF of page images, or one picture in the source's own
 // format where that can be written. Lists beyond the last page are ignored; pages without a list

@@ -13,21 +13,23 @@ bool takesPdfPath(const std::filesystem::path& url) {
     return type && type->conformsTo(ContentType::pdf);
 }
 
-std::optional<Document> loadPDF(Bytes data, const std::filesystem::path& url,
-                                PdfRenderer& renderer) {
-    auto bitmaps = renderer.render(data);
-    if (!bitmaps) {
-        return std::nullopt;
+LoadResult loadPDF(Bytes data, const std::filesystem::path& url, PdfRenderer& renderer,
+                   const std::optional<std::string>& password) {
+    auto result = renderer.render(data, password);
+    if (const auto* const failure = std::get_if<LoadFailure>(&result)) {
+        return *failure;
     }
+    auto& rendered = std::get<std::vector<RenderedPage>>(result);
     Document document{url, true, ContentType::pdf, {}};
-    for (BitmapRef& bitmap : *bitmaps) {
-        if (bitmap) {
-            document.pages.push_back({std::move(bitmap)});
+    for (RenderedPage& page : rendered) {
+        if (page.image) {
+            document.pages.push_back({std::move(page.image), page.isComplete});
         }
     }
     if (document.pages.empty()) {
-        return std::nullopt;
+        return LoadFailure::unreadable;
     }
+    document.omittedPages = rendered.size() - document.pages.size();
     return document;
 }
 
@@ -39,10 +41,10 @@ ContentType imageTypeOf(const DecodedImage& image, const std::filesystem::path& 
     return ContentType::fromExtension(pathExtension(url)).value_or(ContentType::png);
 }
 
-std::optional<Document> loadImage(Bytes data, const std::filesystem::path& url, ImageCodec& codec) {
+LoadResult loadImage(Bytes data, const std::filesystem::path& url, ImageCodec& codec) {
     const auto image = codec.decode(data);
     if (!image || !image->bitmap) {
-        return std::nullopt;
+        return LoadFailure::unreadable;
     }
     return Document{url, false, imageTypeOf(*image, url), {{image->bitmap}}};
 }
@@ -61,17 +63,18 @@ const ContentType& sessionType() {
     return ContentType::session;
 }
 
-std::optional<Document> load(const std::filesystem::path& url, const Engines& engines) {
+LoadResult load(const std::filesystem::path& url, const Engines& engines,
+                const std::optional<std::string>& password) {
     const auto data = readFile(url);
     if (!data) {
-        return std::nullopt;
+        return LoadFailure::unreadable;
     }
-    return load(data->bytes(), url, engines);
+    return load(data->bytes(), url, engines, password);
 }
 
-std::optional<Document> load(Bytes data, const std::filesystem::path& nominalURL,
-                             const Engines& engines) {
-    return takesPdfPath(nominalURL) ? loadPDF(data, nominalURL, engines.pdfRenderer)
+LoadResult load(Bytes data, const std::filesystem::path& nominalURL, const Engines& engines,
+                const std::optional<std::string>& password) {
+    return takesPdfPath(nominalURL) ? loadPDF(data, nominalURL, engines.pdfRenderer, password)
                                     : loadImage(data, nominalURL, engines.imageCodec);
 }
 

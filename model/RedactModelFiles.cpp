@@ -3,6 +3,7 @@
 #include "core/Localization.h"
 #include "io/FileAccess.h"
 #include "io/FileName.h"
+#include "model/DocumentRemarks.h"
 
 #include <algorithm>
 #include <array>
@@ -44,11 +45,9 @@ std::vector<std::vector<StoredRedaction>> stored(const PageLists& lists) {
     return pages;
 }
 
-// Lists that the document has no page for are dropped, pages without a list get an empty one.
-PageLists restored(const std::vector<std::vector<StoredRedaction>>& pages, std::size_t pageCount,
-                   RandomSource& random) {
-    std::vector<PageLists::Page> lists(pageCount);
-    for (std::size_t i = 0; i < std::min(pageCount, pages.size()); ++i) {
+PageLists restored(const std::vector<std::vector<StoredRedaction>>& pages, RandomSource& random) {
+    std::vector<PageLists::Page> lists(pages.size());
+    for (std::size_t i = 0; i < pages.size(); ++i) {
         for (const StoredRedaction& redaction : pages[i]) {
             lists[i].push_back(
                 {Uuid::random(random), redaction.rect, redaction.style, redaction.detected});
@@ -79,13 +78,14 @@ void RedactModel::open(const std::vector<fs::path>& files) {
 // The file is read a second time for its bytes. If it has gone meanwhile, the document opens all
 // the same, but cannot be saved.
 void RedactModel::openSource(const fs::path& url) {
-    auto loaded = DocumentIO::load(url, services.documents);
-    if (!loaded) {
+    auto result = DocumentIO::load(url, services.documents);
+    auto* const loaded = std::get_if<DocumentIO::Document>(&result);
+    if (loaded == nullptr) {
         fail(couldNotOpen, url);
         return;
     }
     const PageLists empty(loaded->pages.size());
-    replaceWork({std::move(loaded), empty, readFile(url), lastPathComponent(url), std::nullopt});
+    replaceWork({std::move(*loaded), empty, readFile(url), lastPathComponent(url), std::nullopt});
 }
 
 void RedactModel::openPanel() {
@@ -106,13 +106,15 @@ void RedactModel::openSession(const fs::path& url) {
         return;
     }
     const fs::path nominal = url.parent_path() / lastPathComponent(saved->sourceFilename);
-    auto loaded = DocumentIO::load(saved->sourceData.bytes(), nominal, services.documents);
-    if (!loaded) {
+    auto result = DocumentIO::load(saved->sourceData.bytes(), nominal, services.documents);
+    auto* const loaded = std::get_if<DocumentIO::Document>(&result);
+    // Boxes whose pages are not there would come to lie on others and leave theirs bare.
+    if (loaded == nullptr || loaded->pages.size() != saved->pages.size()) {
         fail(couldNotOpen, url);
         return;
     }
-    PageLists lists = restored(saved->pages, loaded->pages.size(), services.documents.random);
-    replaceWork({std::move(loaded), std::move(lists), std::move(saved->sourceData),
+    PageLists lists = restored(saved->pages, services.documents.random);
+    replaceWork({std::move(*loaded), std::move(lists), std::move(saved->sourceData),
                  std::move(saved->sourceFilename), url});
 }
 
@@ -233,6 +235,9 @@ void RedactModel::exportDocument() {
     }
     lastExportURL = *chosen;
     succeed(translatable("Redacted %@"), *chosen);
+    for (const std::string& remark : remarksOn(*document())) {
+        statusMessage = *statusMessage() + " — " + remark;
+    }
 }
 
 // The notice is shown once per user account, also when that one showing was cancelled.

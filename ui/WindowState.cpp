@@ -1,11 +1,20 @@
 #include "ui/WindowState.h"
 
 #include "core/Localization.h"
+#include "model/DocumentRemarks.h"
 #include "model/WhiteSpace.h"
 #include "ui/WindowTexts.h"
 
 namespace murkwell {
 namespace {
+
+std::string joined(const std::vector<std::string>& sentences) {
+    std::string text;
+    for (const std::string& sentence : sentences) {
+        text += (text.empty() ? "" : " ") + sentence;
+    }
+    return text;
+}
 
 StatusText statusText(const RedactModel& model) {
     using Kind = StatusText::Kind;
@@ -15,10 +24,12 @@ StatusText statusText(const RedactModel& model) {
     if (model.statusMessage()) {
         return {Kind::success, *model.statusMessage()};
     }
-    if (model.document()) {
-        return {Kind::hint, localized(WindowTexts::hint)};
+    if (!model.document()) {
+        return {};
     }
-    return {};
+    const std::string remarks = joined(remarksOn(*model.document()));
+    return remarks.empty() ? StatusText{Kind::hint, localized(WindowTexts::hint)}
+                           : StatusText{Kind::warning, remarks};
 }
 
 std::string_view nameFormat(RedactionStyle style, bool detected) {

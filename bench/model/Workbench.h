@@ -15,8 +15,9 @@ namespace murkwell::bench {
 class Pages final : public PdfRenderer {
 public:
     explicit Pages(std::size_t wanted) : count(wanted) {}
-    std::optional<std::vector<BitmapRef>> render(std::span<const std::byte> /*pdf*/) override {
-        return std::vector<BitmapRef>(count, Bitmap::create(8, 8));
+    Result render(std::span<const std::byte> /*pdf*/,
+                  const std::optional<std::string>& /*password*/) override {
+        return std::vector<RenderedPage>(count, {Bitmap::create(8, 8)});
     }
 
 private:

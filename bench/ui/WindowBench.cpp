@@ -33,11 +33,12 @@ using namespace murkwell;
 // Opens pages that are handed to it, or a real document.
 class AnyPages final : public PdfRenderer {
 public:
-    std::optional<std::vector<BitmapRef>> render(std::span<const std::byte> bytes) override {
-        return synthetic.empty() ? real.render(bytes) : synthetic;
+    Result render(std::span<const std::byte> bytes,
+                  const std::optional<std::string>& password) override {
+        return synthetic.empty() ? real.render(bytes, password) : Result(synthetic);
     }
 
-    std::vector<BitmapRef> synthetic;
+    std::vector<RenderedPage> synthetic;
 
 private:
     PdfRendererMuPdf real;
@@ -69,7 +70,10 @@ struct Window {
 
     // Opens pages that are made up.
     void open(std::vector<BitmapRef> pages) {
-        renderer.synthetic = std::move(pages);
+        renderer.synthetic.clear();
+        for (BitmapRef& page : pages) {
+            renderer.synthetic.push_back({std::move(page)});
+        }
         model.open({std::filesystem::path(any.filePath("any.pdf").toStdString())});
         settle();
     }

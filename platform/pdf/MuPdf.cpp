@@ -89,26 +89,30 @@ MuPdfContext::~MuPdfContext() {
     fz_drop_context(context);
 }
 
-pdf_document* MuPdfContext::open(std::span<const std::byte> bytes) {
+MuPdfContext::Opened MuPdfContext::open(std::span<const std::byte> bytes,
+                                        const std::optional<std::string>& password) {
     auto* const source = new Source{bytes, this};
     fz_stream* stream = nullptr;
     // On failure the stream's maker has already dropped the source.
     if (!attempt(context, [&] { stream = fz_new_stream(context, source, nextByte, dropSource); })) {
-        return nullptr;
+        return {};
     }
     stream->seek = seek;
-    pdf_document* document = nullptr;
-    bool needsPassword = true;
-    const bool opened = attempt(context, [&] {
-        document = pdf_open_document_with_stream(context, stream);
-        needsPassword = pdf_needs_password(context, document) != 0;
+    Opened opened;
+    const bool isReadable = attempt(context, [&] {
+        opened.document = pdf_open_document_with_stream(context, stream);
+        opened.needsPassword = pdf_needs_password(context, opened.document) != 0;
+        if (opened.needsPassword && password) {
+            opened.needsPassword =
+                pdf_authenticate_password(context, opened.document, password->c_str()) == 0;
+        }
     });
     fz_drop_stream(context, stream);
-    if (opened && !needsPassword) {
-        return document;
+    if (isReadable && !opened.needsPassword) {
+        return opened;
     }
-    pdf_drop_document(context, document);
-    return nullptr;
+    pdf_drop_document(context, opened.document);
+    return {nullptr, isReadable && opened.needsPassword};
 }
 
 void* MuPdfContext::allocate(void* self, std::size_t size) {

@@ -5,7 +5,9 @@
 #include <atomic>
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <span>
+#include <string>
 
 extern "C" {
 #include <mupdf/fitz.h>
@@ -49,8 +51,15 @@ public:
     // Null when memory ran out.
     [[nodiscard]] fz_context* get() const { return context; }
 
-    // A document over bytes that outlive it. None when they are no PDF or need a password.
-    [[nodiscard]] pdf_document* open(std::span<const std::byte> bytes);
+    struct Opened {
+        pdf_document* document = nullptr; // the caller's; null on any failure
+        bool needsPassword = false;       // another than the one given
+    };
+
+    // A document over bytes that outlive it. The password (UTF-8) is tried when the empty one does
+    // not do.
+    [[nodiscard]] Opened open(std::span<const std::byte> bytes,
+                              const std::optional<std::string>& password);
 
     // While interrupted, every allocation and every read from the bytes fails, so that whatever
     // MuPDF is doing comes to an end. May be called from any thread.

@@ -72,9 +72,13 @@ void showWholeMediaBox(fz_context* context, pdf_obj* page, const PageGeometry& g
 // One thread's view of the document.
 class Worker {
 public:
-    Worker(std::span<const std::byte> pdf, MuPdfMemory& memory) : context(memory) {
+    Worker(std::span<const std::byte> pdf, const std::optional<std::string>& password,
+           MuPdfMemory& memory)
+        : context(memory) {
         if (context.get() != nullptr) {
-            document = context.open(pdf);
+            const auto opened = context.open(pdf, password);
+            document = opened.document;
+            failure = opened.needsPassword ? LoadFailure::needsPassword : LoadFailure::unreadable;
         }
         if (document != nullptr) {
             pageCount_ = flattenPageTree(context.get(), document);
@@ -86,29 +90,30 @@ public:
     Worker& operator=(const Worker&) = delete;
 
     [[nodiscard]] int pageCount() const { return pageCount_; }
+    [[nodiscard]] LoadFailure whyNoPages() const { return failure; }
 
     // Null when the page cannot be had. Counts itself among the expired pages if it takes too long.
-    BitmapRef rasterize(int index, std::atomic<int>& expiredPages) {
+    RenderedPage rasterize(int index, std::atomic<int>& expiredPages) {
         fz_cookie cookie{};
         const int halvings = std::min(expiredPages.load(), mostHalvings);
-        BitmapRef bitmap;
+        RenderedPage rendered;
         {
             const Deadline deadline(pageTimeLimit / (1 << halvings), [&] {
                 cookie.abort = 1;
                 context.interrupt(true);
             });
-            bitmap = rasterize(index, cookie);
+            rendered = rasterize(index, cookie);
         }
         if (!context.isInterrupted()) {
-            return bitmap;
+            return rendered;
         }
         context.interrupt(false);
         ++expiredPages;
-        return nullptr;
+        return {};
     }
 
 private:
-    BitmapRef rasterize(int index, fz_cookie& cookie) {
+    RenderedPage rasterize(int index, fz_cookie& cookie) {
         fz_context* const fz = context.get();
         pdf_page* page = nullptr;
         PageGeometry geometry{};
@@ -117,19 +122,19 @@ private:
             geometry = geometryOf(fz, page->obj);
             showWholeMediaBox(fz, page->obj, geometry);
         });
-        BitmapRef bitmap;
+        RenderedPage rendered;
         if (loaded) {
-            bitmap = draw(page, pixelSizeOf(geometry), cookie);
+            rendered = draw(page, pixelSizeOf(geometry), cookie);
         }
         fz_drop_page(fz, page == nullptr ? nullptr : &page->super);
-        return bitmap;
+        return rendered;
     }
 
-    BitmapRef draw(pdf_page* page, PixelSize size, fz_cookie& cookie) {
+    RenderedPage draw(pdf_page* page, PixelSize size, fz_cookie& cookie) {
         fz_context* const fz = context.get();
         const auto bitmap = Bitmap::create(size.width, size.height);
         if (!bitmap) {
-            return nullptr;
+            return {};
         }
         fz_pixmap* pixmap = nullptr;
         fz_device* device = nullptr;
@@ -142,36 +147,36 @@ private:
         });
         // A page that breaks half-way shows what came before; one that ran out of memory is not
         // shown, since nobody could tell what is missing.
-        const bool drawn =
-            ready && (attempt(fz,
-                              [&] {
+        const bool finished = ready && attempt(fz, [&] {
                                   pdf_run_page(fz, page, device, fz_scale(scale, scale), &cookie);
                                   fz_close_device(fz, device);
-                              }) ||
-                      fz_caught(fz) != FZ_ERROR_MEMORY);
+                              });
+        const bool drawn = finished || (ready && fz_caught(fz) != FZ_ERROR_MEMORY);
         fz_drop_device(fz, device);
         fz_drop_pixmap(fz, pixmap);
         if (!drawn) {
-            return nullptr;
+            return {};
         }
         expandPackedRgb(bitmap->pixels());
-        return bitmap;
+        return {bitmap, finished && cookie.errors == 0 && cookie.incomplete == 0};
     }
 
     MuPdfContext context;
     pdf_document* document = nullptr;
+    LoadFailure failure = LoadFailure::unreadable;
     int pageCount_ = 0;
 };
 
 } // namespace
 
-std::optional<std::vector<BitmapRef>> PdfRendererMuPdf::render(std::span<const std::byte> pdf) {
+PdfRenderer::Result PdfRendererMuPdf::render(std::span<const std::byte> pdf,
+                                             const std::optional<std::string>& password) {
     MuPdfMemory memory(largestBlock, allLargeBlocks);
-    const auto first = std::make_unique<Worker>(pdf, memory);
+    const auto first = std::make_unique<Worker>(pdf, password, memory);
     if (first->pageCount() < 1) {
-        return std::nullopt;
+        return first->whyNoPages();
     }
-    std::vector<BitmapRef> pages(static_cast<std::size_t>(first->pageCount()));
+    std::vector<RenderedPage> pages(static_cast<std::size_t>(first->pageCount()));
     std::atomic<int> nextPage{0};
     std::atomic<int> expiredPages{0};
     const auto renderPages = [&](Worker& worker) {
@@ -185,11 +190,11 @@ std::optional<std::vector<BitmapRef>> PdfRendererMuPdf::render(std::span<const s
         if (thread == 0) {
             renderPages(*first);
         } else {
-            Worker another(pdf, memory);
+            Worker another(pdf, password, memory);
             renderPages(another);
         }
     });
-    return allRan ? std::optional(std::move(pages)) : std::nullopt;
+    return allRan ? Result(std::move(pages)) : LoadFailure::unreadable;
 }
 
 } // namespace murkwell

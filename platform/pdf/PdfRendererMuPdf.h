@@ -8,8 +8,8 @@ namespace murkwell {
 
 class PdfRendererMuPdf final : public PdfRenderer {
 public:
-    [[nodiscard]] std::optional<std::vector<BitmapRef>>
-    render(std::span<const std::byte> pdf) override;
+    [[nodiscard]] Result render(std::span<const std::byte> pdf,
+                                const std::optional<std::string>& password) override;
 };
 
 } // namespace murkwell

@@ -6,9 +6,16 @@
 namespace murkwell {
 namespace {
 
-std::optional<DocumentIO::Document> load(FakeEngines& fakes, std::string_view name) {
-    return DocumentIO::load(bytesOf("anything"), std::filesystem::path("/nowhere") / name,
-                            fakes.engines());
+using DocumentIO::Document;
+
+std::optional<Document> documentOf(const DocumentIO::LoadResult& result) {
+    const auto* const document = std::get_if<Document>(&result);
+    return document == nullptr ? std::nullopt : std::optional(*document);
+}
+
+std::optional<Document> load(FakeEngines& fakes, std::string_view name) {
+    return documentOf(DocumentIO::load(bytesOf("anything"),
+                                       std::filesystem::path("/nowhere") / name, fakes.engines()));
 }
 
 TEST(Load, TheNameAloneDecidesTheRoute) {
@@ -35,12 +42,15 @@ TEST(Load, BrokenPdfPagesAreLeftOutAndTheOthersMoveUp) {
     FakeEngines fakes;
     const auto first = plainBitmap(1, 1);
     const auto third = plainBitmap(3, 3);
-    fakes.renderer.pages = std::vector<BitmapRef>{first, nullptr, third};
+    fakes.renderer.pages = {{first}, {}, {third, false}};
     const auto document = load(fakes, "a.pdf");
     ASSERT_TRUE(document);
     ASSERT_EQ(document->pages.size(), 2U);
     EXPECT_EQ(document->pages[0].image, first);
     EXPECT_EQ(document->pages[1].image, third);
+    EXPECT_TRUE(document->pages[0].isComplete);
+    EXPECT_FALSE(document->pages[1].isComplete);
+    EXPECT_EQ(document->omittedPages, 1U);
     EXPECT_TRUE(document->isPDF);
     EXPECT_EQ(document->imageType, ContentType::pdf);
     EXPECT_EQ(document->url, "/nowhere/a.pdf");
@@ -48,9 +58,9 @@ TEST(Load, BrokenPdfPagesAreLeftOutAndTheOthersMoveUp) {
 
 TEST(Load, NoneWhenNoPageIsLeft) {
     FakeEngines fakes;
-    fakes.renderer.pages = std::vector<BitmapRef>{nullptr, nullptr};
+    fakes.renderer.pages = {{}, {}};
     EXPECT_FALSE(load(fakes, "a.pdf"));
-    fakes.renderer.pages = std::vector<BitmapRef>{};
+    fakes.renderer.pages = std::vector<RenderedPage>{};
     EXPECT_FALSE(load(fakes, "a.pdf"));
     fakes.codec.decoded = DecodedImage{nullptr, "public.png"};
     EXPECT_FALSE(load(fakes, "a.png"));
@@ -81,9 +91,17 @@ TEST(Load, FromAFileThatIsThereOrNot) {
     FakeEngines fakes;
     fakes.codec.decoded = DecodedImage{plainBitmap(2, 2), "public.png"};
     const TemporaryFolder folder;
-    EXPECT_TRUE(DocumentIO::load(folder.write("a.png", "x"), fakes.engines()));
-    EXPECT_FALSE(DocumentIO::load(folder / "missing.png", fakes.engines()));
-    EXPECT_FALSE(DocumentIO::load(folder.path, fakes.engines()));
+    EXPECT_TRUE(documentOf(DocumentIO::load(folder.write("a.png", "x"), fakes.engines())));
+    EXPECT_FALSE(documentOf(DocumentIO::load(folder / "missing.png", fakes.engines())));
+    EXPECT_FALSE(documentOf(DocumentIO::load(folder.path, fakes.engines())));
+}
+
+TEST(Load, HandsThePasswordOnAndTellsWhenOneIsNeeded) {
+    FakeEngines fakes;
+    fakes.renderer.failure = LoadFailure::needsPassword;
+    const auto result = DocumentIO::load(bytesOf("x"), "a.pdf", fakes.engines(), "open sesame");
+    EXPECT_EQ(fakes.renderer.password, "open sesame");
+    EXPECT_EQ(std::get<LoadFailure>(result), LoadFailure::needsPassword);
 }
 
 } // namespace

@@ -23,8 +23,9 @@ struct Plan {
 class FailingRenderer final : public PdfRenderer {
 public:
     FailingRenderer(Plan& shared, PdfRenderer& real) : plan(shared), inner(real) {}
-    std::optional<std::vector<BitmapRef>> render(std::span<const std::byte> pdf) override {
-        return plan.failsNow() ? std::nullopt : inner.render(pdf);
+    Result render(std::span<const std::byte> pdf,
+                  const std::optional<std::string>& password) override {
+        return plan.failsNow() ? LoadFailure::unreadable : inner.render(pdf, password);
     }
 
 private:

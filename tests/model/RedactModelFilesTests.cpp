@@ -1,3 +1,4 @@
+#include "model/DocumentRemarks.h"
 #include "model/RedactModel.h"
 
 #include "tests/support/ModelUnderTest.h"
@@ -180,19 +181,53 @@ TEST_F(Files, SavedWorkComesBackWithoutItsSource) {
     EXPECT_EQ(contentOf(file), first);
 }
 
-TEST_F(Files, StoredPagesAreReconciledWithTheLoadedOnes) {
+TEST_F(Files, StoredBoxesAreOpenedWithTheirPagesOnly) {
     const auto openWith = [&](std::initializer_list<unsigned> pages) {
         RawPropertyList list = rawDocument();
         list.objects[Raw::name] = rawString("a.pdf");
         list.objects[Raw::pages] = rawArray(pages);
         model.open({bench.folder.write("stored.murkwell", list.text())});
-        return std::vector{model.redactionCount(0), model.redactionCount(1),
-                           model.redactionCount(2), model.redactionsByPage().size()};
+        return model.totalRedactionCount();
     };
     using Raw::page;
-    EXPECT_EQ(openWith({}), (std::vector<std::size_t>{0, 0, 0, 3}));
-    EXPECT_EQ(openWith({page}), (std::vector<std::size_t>{1, 0, 0, 3}));
-    EXPECT_EQ(openWith({page, page, page, page, page}), (std::vector<std::size_t>{1, 1, 1, 3}));
+    EXPECT_EQ(openWith({page, page, page}), 3U);
+    for (const auto& others :
+         {std::initializer_list<unsigned>{}, {page}, {page, page}, {page, page, page, page}}) {
+        model.closeDocument();
+        EXPECT_EQ(openWith(others), 0U);
+        EXPECT_EQ(model.errorMessage(), "Couldn’t open “stored.murkwell”.") << others.size();
+    }
+}
+
+TEST_F(Files, WhatDidNotComeWholeIsSaidWhenItOpensAndWhenItIsExported) {
+    struct Case {
+        std::vector<RenderedPage> pages;
+        const char* remarks;
+    };
+    const RenderedPage whole{plainBitmap(2, 2)};
+    const RenderedPage broken{plainBitmap(2, 2), false};
+    const RenderedPage none;
+    for (const Case& c : std::vector<Case>{
+             {{whole}, ""},
+             {{none, whole}, " — 1 page could not be shown."},
+             {{none, whole, broken, none},
+              " — 2 pages could not be shown."
+              " — Page 2 may be incomplete."},
+             {{broken, whole, broken, broken, broken}, " — Pages 1, 3–5 may be incomplete."},
+         }) {
+        bench.engines.renderer.pages = c.pages;
+        bench.openPdf();
+        EXPECT_FALSE(model.statusMessage() || model.errorMessage());
+        std::string remarks;
+        for (const std::string& remark : remarksOn(*model.document())) {
+            remarks += " — " + remark;
+        }
+        EXPECT_EQ(remarks, c.remarks);
+        (void)model.addRedaction({0.1, 0.1, 0.3, 0.3});
+        bench.panels.saved = bench.folder / "out.pdf";
+        model.exportDocument();
+        EXPECT_EQ(model.statusMessage(), std::string("Redacted out.pdf") + c.remarks);
+    }
 }
 
 TEST_F(Files, AStoredBoxBeyondThePageIsKeptAsItIs) {
@@ -251,9 +286,9 @@ TEST_F(Files, WithoutTheSourcesBytesThereIsNothingToSave) {
     class VanishingRenderer final : public PdfRenderer {
     public:
         explicit VanishingRenderer(fs::path given) : file(std::move(given)) {}
-        std::optional<std::vector<BitmapRef>> render(std::span<const std::byte>) override {
+        Result render(std::span<const std::byte>, const std::optional<std::string>&) override {
             fs::remove(file);
-            return std::vector<BitmapRef>{plainBitmap(2, 2)};
+            return std::vector<RenderedPage>{{plainBitmap(2, 2)}};
         }
         fs::path file;
     };

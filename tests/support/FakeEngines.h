@@ -23,12 +23,15 @@ inline BitmapRef plainBitmap(int width, int height, Rgba colour = {200, 100, 50,
 
 class FakePdfRenderer final : public PdfRenderer {
 public:
-    std::optional<std::vector<BitmapRef>> render(std::span<const std::byte>) override {
+    Result render(std::span<const std::byte>, const std::optional<std::string>& given) override {
         ++calls;
-        return pages;
+        password = given;
+        return pages ? Result(*pages) : failure;
     }
 
-    std::optional<std::vector<BitmapRef>> pages;
+    std::optional<std::vector<RenderedPage>> pages;
+    LoadFailure failure = LoadFailure::unreadable; // without pages
+    std::optional<std::string> password;           // of the last call
     int calls = 0;
 };
 

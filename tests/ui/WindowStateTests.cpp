@@ -56,6 +56,16 @@ TEST(WindowState, ErrorIsShownBeforeWhatSucceeded) {
     EXPECT_EQ(state.status.text, "No supported file found. Drop an image or a PDF.");
 }
 
+TEST(WindowState, WhatDidNotComeWholeIsSaidUntilSomethingElseIs) {
+    ModelUnderTest bench;
+    bench.engines.renderer.pages->push_back({});
+    bench.engines.renderer.pages->front().isComplete = false;
+    bench.openPdf();
+    EXPECT_EQ(WindowState(*bench.model).status,
+              (StatusText{StatusText::Kind::warning,
+                          "1 page could not be shown. Page 1 may be incomplete."}));
+}
+
 TEST(WindowState, OneSearchAtATime) {
     ModelUnderTest bench;
     RedactModel& model = *bench.model;

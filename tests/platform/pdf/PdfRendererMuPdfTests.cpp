@@ -13,10 +13,20 @@ namespace {
 constexpr Rgba white{255, 255, 255, 255};
 constexpr Rgba red{255, 0, 0, 255};
 
+// None when the file does not open.
 using Pages = std::optional<std::vector<BitmapRef>>;
 
 Pages render(std::span<const std::byte> pdf) {
-    return PdfRendererMuPdf().render(pdf);
+    const auto result = PdfRendererMuPdf().render(pdf, std::nullopt);
+    const auto* const rendered = std::get_if<std::vector<RenderedPage>>(&result);
+    if (rendered == nullptr) {
+        return std::nullopt;
+    }
+    std::vector<BitmapRef> pages;
+    for (const RenderedPage& page : *rendered) {
+        pages.push_back(page.image);
+    }
+    return pages;
 }
 
 // "20x10" for every page, "-" for one that could not be rendered.

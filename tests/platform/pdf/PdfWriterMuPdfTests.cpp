@@ -27,11 +27,11 @@ TEST(PdfWriterMuPdf, OnePagePerBitmapAtOnePointPerPixel) {
     }
     const auto pdf = PdfWriterMuPdf().encode(pages);
     ASSERT_TRUE(pdf);
-    const auto rendered = PdfRendererMuPdf().render(*pdf);
-    ASSERT_TRUE(rendered);
-    ASSERT_EQ(rendered->size(), colours.size());
+    const auto result = PdfRendererMuPdf().render(*pdf, std::nullopt);
+    const auto& rendered = std::get<std::vector<RenderedPage>>(result);
+    ASSERT_EQ(rendered.size(), colours.size());
     for (std::size_t i = 0; i < colours.size(); ++i) {
-        const Bitmap& page = *rendered->at(i);
+        const Bitmap& page = *rendered[i].image;
         EXPECT_EQ(page.width(), 2 * pages[i]->width());
         EXPECT_EQ(page.height(), 40);
         EXPECT_EQ(std::ranges::count(page.pixels(), colours[i]), std::ssize(page.pixels()));

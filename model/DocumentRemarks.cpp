@@ -1,0 +1,53 @@
+#include "model/DocumentRemarks.h"
+
+#include "core/Localization.h"
+
+namespace murkwell {
+namespace {
+
+std::vector<std::size_t> incompletePages(const DocumentIO::Document& document) {
+    std::vector<std::size_t> numbers;
+    for (std::size_t i = 0; i < document.pages.size(); ++i) {
+        if (!document.pages[i].isComplete) {
+            numbers.push_back(i + 1);
+        }
+    }
+    return numbers;
+}
+
+// "3, 5–7"
+std::string listed(const std::vector<std::size_t>& numbers) {
+    std::string list;
+    for (std::size_t i = 0; i < numbers.size();) {
+        std::size_t last = i;
+        while (last + 1 < numbers.size() && numbers[last + 1] == numbers[last] + 1) {
+            ++last;
+        }
+        list += (list.empty() ? "" : ", ") + std::to_string(numbers[i]);
+        if (last > i) {
+            list += "–" + std::to_string(numbers[last]);
+        }
+        i = last + 1;
+    }
+    return list;
+}
+
+} // namespace
+
+std::vector<std::string> remarksOn(const DocumentIO::Document& document) {
+    std::vector<std::string> remarks;
+    if (document.omittedPages == 1) {
+        remarks.push_back(localized("1 page could not be shown."));
+    } else if (document.omittedPages > 1) {
+        remarks.push_back(localized("%d pages could not be shown.", {document.omittedPages}));
+    }
+    const auto incomplete = incompletePages(document);
+    if (incomplete.size() == 1) {
+        remarks.push_back(localized("Page %d may be incomplete.", {incomplete.front()}));
+    } else if (incomplete.size() > 1) {
+        remarks.push_back(localized("Pages %@ may be incomplete.", {listed(incomplete)}));
+    }
+    return remarks;
+}
+
+} // namespace murkwell
