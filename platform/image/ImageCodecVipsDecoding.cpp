@@ -6,6 +6,7 @@
 #include "platform/image/ImageSignature.h"
 #include "platform/image/JpegScans.h"
 #include "platform/image/SrgbConversion.h"
+#include "platform/image/TiffReading.h"
 #include "platform/image/VipsSession.h"
 
 #include <atomic>
@@ -39,7 +40,7 @@ bool isInterlaced(Bytes png) {
 }
 
 // Only the header has been read when this returns. The image refers to the file's bytes.
-VImage open(ImageFormat format, Bytes file) {
+VImage openWithVips(ImageFormat format, Bytes file) {
     auto* const blob = vips_blob_new(nullptr, file.data(), file.size());
     const std::unique_ptr<VipsBlob, void (*)(VipsBlob*)> owner(
         blob, [](VipsBlob* b) { vips_area_unref(VIPS_AREA(b)); });
@@ -63,6 +64,15 @@ VImage open(ImageFormat format, Bytes file) {
     }
     delete options;
     throw VError("no loader for this format");
+}
+
+VImage open(ImageFormat format, Bytes file, const TimeLimit& limit) {
+    if (format == ImageFormat::tiff) {
+        if (const auto image = readUncommonTiff(file, allowedMemory, limit)) {
+            return *image;
+        }
+    }
+    return openWithVips(format, file);
 }
 
 // What the decoder itself holds per pixel of the whole picture, at worst.
@@ -125,7 +135,8 @@ int receiveRows(VipsRegion* region, VipsRect* area, void* target) {
 }
 
 BitmapRef decodeWithVips(ImageFormat format, Bytes file) {
-    VImage stored = open(format, file);
+    const TimeLimit limit(allowedTime);
+    VImage stored = open(format, file, limit);
     if (!isAffordable(format, stored, file)) {
         return nullptr;
     }
@@ -133,7 +144,7 @@ BitmapRef decodeWithVips(ImageFormat format, Bytes file) {
     if (!bitmap) {
         return nullptr;
     }
-    const VipsDeadline deadline(stored, allowedTime);
+    const VipsDeadline deadline(stored, limit);
     const VImage image = toSrgb(stored);
     Reception reception{*bitmap};
     if (vips_sink_disc(image.get_image(), receiveRows, &reception) != 0 ||

@@ -13,7 +13,11 @@ using vips::VImage;
 // 8-bit ones, and bands that have no meaning the nearest one.
 VImage withKnownInterpretation(VImage image) {
     const VipsInterpretation meaning = image.interpretation();
-    if (meaning != VIPS_INTERPRETATION_MULTIBAND && meaning != VIPS_INTERPRETATION_B_W) {
+    const bool isWideRgb =
+        meaning == VIPS_INTERPRETATION_sRGB &&
+        (image.format() == VIPS_FORMAT_UINT || image.format() == VIPS_FORMAT_INT);
+    if (meaning != VIPS_INTERPRETATION_MULTIBAND && meaning != VIPS_INTERPRETATION_B_W &&
+        !isWideRgb) {
         return image;
     }
     double scale = 1;

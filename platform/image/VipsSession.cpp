@@ -2,8 +2,6 @@
 
 #include "core/ParallelFor.h"
 
-#include <time.h>
-
 namespace murkwell {
 namespace {
 
@@ -34,9 +32,8 @@ VipsSession::~VipsSession() {
     vips_thread_shutdown();
 }
 
-VipsDeadline::VipsDeadline(vips::VImage& watched, Duration allowed)
-    : image(watched), end(std::chrono::steady_clock::now() + allowed),
-      processorTimeAtEnd(processorTime() + allowed),
+VipsDeadline::VipsDeadline(vips::VImage& watched, const TimeLimit& timeLimit)
+    : image(watched), limit(timeLimit),
       connection(g_signal_connect(image.get_image(), "eval", G_CALLBACK(check), this)) {
     vips_image_set_progress(image.get_image(), TRUE);
 }
@@ -45,16 +42,8 @@ VipsDeadline::~VipsDeadline() {
     g_signal_handler_disconnect(image.get_image(), connection);
 }
 
-// Of all threads: those of libvips are not known one by one.
-VipsDeadline::Duration VipsDeadline::processorTime() {
-    timespec used{};
-    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
-    return std::chrono::seconds(used.tv_sec) + Duration(used.tv_nsec);
-}
-
 void VipsDeadline::check(VipsImage* image, VipsProgress* /*progress*/, void* deadline) {
-    const auto& self = *static_cast<const VipsDeadline*>(deadline);
-    if (std::chrono::steady_clock::now() > self.end && processorTime() > self.processorTimeAtEnd) {
+    if (static_cast<const VipsDeadline*>(deadline)->limit.isOver()) {
         vips_image_set_kill(image, TRUE);
     }
 }

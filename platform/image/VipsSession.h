@@ -1,7 +1,8 @@
 // The process-wide state of libvips, and what every call into it needs around it.
 #pragma once
 
-#include <chrono>
+#include "platform/image/TimeLimit.h"
+
 #include <vips/vips8>
 
 namespace murkwell {
@@ -20,15 +21,11 @@ public:
     VipsSession& operator=(VipsSession&&) = delete;
 };
 
-// Stops the computation of an image, and of all that is made from it later, when time runs out:
-// when it has taken so long and this process has used as much of the processors. A picture is thus
-// not lost to other programs that keep the machine busy, nor to other work of this one. Must
-// outlive the computation.
+// Stops the computation of an image, and of all that is made from it later, when time runs out.
+// Must outlive the computation.
 class VipsDeadline {
 public:
-    using Duration = std::chrono::nanoseconds;
-
-    VipsDeadline(vips::VImage& watched, Duration allowed);
+    VipsDeadline(vips::VImage& watched, const TimeLimit& limit);
     ~VipsDeadline();
     VipsDeadline(const VipsDeadline&) = delete;
     VipsDeadline& operator=(const VipsDeadline&) = delete;
@@ -36,12 +33,10 @@ public:
     VipsDeadline& operator=(VipsDeadline&&) = delete;
 
 private:
-    static Duration processorTime();
     static void check(VipsImage* image, VipsProgress* progress, void* deadline);
 
     vips::VImage image;
-    std::chrono::steady_clock::time_point end;
-    Duration processorTimeAtEnd;
+    TimeLimit limit;
     gulong connection;
 };
 

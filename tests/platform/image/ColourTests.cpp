@@ -1,4 +1,4 @@
-#include "tests/platform/image/Pictures.h"
+#include "tests/platform/image/TiffPictures.h"
 
 #include <gtest/gtest.h>
 #include <lcms2.h>
@@ -39,11 +39,16 @@ VImage withProfile(const VImage& image, const void* data, std::size_t size) {
     return result;
 }
 
-VImage withProfile(const VImage& image, const Profile& profile) {
+std::vector<std::uint8_t> serialised(const Profile& profile) {
     cmsUInt32Number size = 0;
     cmsSaveProfileToMem(profile.get(), nullptr, &size);
     std::vector<std::uint8_t> data(size);
     cmsSaveProfileToMem(profile.get(), data.data(), &size);
+    return data;
+}
+
+VImage withProfile(const VImage& image, const Profile& profile) {
+    const auto data = serialised(profile);
     return withProfile(image, data.data(), data.size());
 }
 
@@ -90,6 +95,14 @@ TEST(Colour, EmbeddedProfilesAgreeWithLcms) {
                   allowed)
             << suffix;
     }
+    const auto profile = serialised(adobe);
+    const Bytes tiledPlanes = tiffOf(
+        {2, 3, 8, true, true}, 64, 64,
+        [&](unsigned x, unsigned y, unsigned i) {
+            return static_cast<unsigned>(colour.getpoint(std::min(x, 63U), std::min(y, 63U))[i]);
+        },
+        {profile.begin(), profile.end()});
+    EXPECT_LE(distance(decoded(tiledPlanes), oracle(colour, adobe, TYPE_RGB_8)), allowed);
     // Else the profiles would prove nothing.
     EXPECT_GT(distance(decoded(saved(colour, ".png")), oracle(colour, adobe, TYPE_RGB_8)), 20);
 }

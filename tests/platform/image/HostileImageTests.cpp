@@ -2,7 +2,7 @@
 #include "platform/image/BmpFile.h"
 #include "platform/image/HeicEncoding.h"
 #include "platform/image/VipsSession.h"
-#include "tests/platform/image/Pictures.h"
+#include "tests/platform/image/TiffPictures.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -33,6 +33,10 @@ std::vector<std::pair<std::string, Bytes>> smallFiles() {
         {"jpeg in tiff",
          saved(image, ".tif",
                VImage::option()->set("compression", VIPS_FOREIGN_TIFF_COMPRESSION_JPEG))},
+        {"tiff of 12 bits in tiled planes",
+         tiffOf({2, 4, 12, true, true}, 24, 16,
+                [](unsigned x, unsigned y, unsigned i) { return (x * y * 99 + i) % 4096; })},
+        {"old-style jpeg in tiff", oldStyleJpegTiff(saved(image, ".jpg"), 24, 16, 2)},
         {"gif", saved(image, ".gif")},
         {"bmp", encodeBmp(*decoded(saved(image, ".png")))},
     };
@@ -143,11 +147,11 @@ TEST(HostileImage, ScanBombIsRefused) {
 TEST(HostileImage, DeadlineStopsAComputationAndWhatIsMadeFromIt) {
     const VipsSession session;
     VImage source = VImage::black(3000, 3000);
-    const VipsDeadline deadline(source, std::chrono::seconds(0));
+    const VipsDeadline deadline(source, TimeLimit(std::chrono::seconds(0)));
     EXPECT_THROW((void)(source + 1).avg(), vips::VError);
 
     VImage unhurried = VImage::black(3000, 3000);
-    const VipsDeadline distant(unhurried, std::chrono::hours(1));
+    const VipsDeadline distant(unhurried, TimeLimit(std::chrono::hours(1)));
     EXPECT_EQ((unhurried + 1).avg(), 1);
 }
 
@@ -155,7 +159,7 @@ TEST(HostileImage, DeadlineDoesNotCountWaiting) {
     using namespace std::chrono_literals;
     const VipsSession session;
     VImage source = VImage::black(30, 30);
-    const VipsDeadline deadline(source, 200ms);
+    const VipsDeadline deadline(source, TimeLimit(200ms));
     std::this_thread::sleep_for(250ms);
     EXPECT_EQ((source + 1).avg(), 1);
 }
