@@ -75,9 +75,15 @@ Bytes encodePng(const VImage& image) {
     return png;
 }
 
+// A baseline TIFF must tell a resolution, which pixels do not have: always the same one.
 Bytes encodeTiff(const VImage& image) {
+    constexpr double dotsPerInch = 72;
+    constexpr double dotsPerMillimetre = dotsPerInch / 25.4;
     return bytesOf(
         image.tiffsave_buffer(withoutMetadata()
+                                  ->set("resunit", VIPS_FOREIGN_TIFF_RESUNIT_INCH)
+                                  ->set("xres", dotsPerMillimetre)
+                                  ->set("yres", dotsPerMillimetre)
                                   ->set("compression", VIPS_FOREIGN_TIFF_COMPRESSION_DEFLATE)
                                   ->set("predictor", VIPS_FOREIGN_TIFF_PREDICTOR_HORIZONTAL)));
 }

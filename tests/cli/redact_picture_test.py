@@ -61,6 +61,9 @@ class RedactPicture(TestInFolder):
                 for tag in ("Artist", "GPSLatitude", "Title", "Keywords", "Software", "ICCProfileName"):
                     self.assertNotIn(tag, after)
                 self.assertEqual(after.get("Orientation", 1), 1)
+                if kind == "TIFF":
+                    self.assertEqual([after[tag] for tag in ("XResolution", "YResolution",
+                                                             "ResolutionUnit")], [72, 72, 2])
 
 
 if __name__ == "__main__":
