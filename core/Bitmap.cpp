@@ -30,4 +30,13 @@ std::shared_ptr<Bitmap> Bitmap::copy(const Bitmap& source) {
     return result;
 }
 
+BitmapRef Bitmap::over(int width, int height, std::shared_ptr<const std::byte> memory) {
+    if (sizeInBytes(width, height) == 0 || !memory) {
+        return nullptr;
+    }
+    // Nobody gets at it but through the reference to a constant bitmap.
+    auto block = std::const_pointer_cast<std::byte>(std::move(memory));
+    return BitmapRef(new Bitmap(width, height, std::move(block)));
+}
+
 } // namespace murkwell

@@ -41,6 +41,11 @@ public:
 
     [[nodiscard]] static std::shared_ptr<Bitmap> copy(const Bitmap& source);
 
+    // Pixels that lie in memory already, which is at least that large and is never written to. Null
+    // when a side is below 1 or there is no memory.
+    [[nodiscard]] static BitmapRef over(int width, int height,
+                                        std::shared_ptr<const std::byte> memory);
+
     Bitmap(const Bitmap&) = delete;
     Bitmap& operator=(const Bitmap&) = delete;
 

@@ -110,6 +110,8 @@ SpareBlock& spareBlock() {
     return shared;
 }
 
+PixelMemory::Lender* firstAsked = nullptr;
+
 } // namespace
 
 std::optional<PixelShare> PixelShare::take(std::size_t bytes) {
@@ -135,7 +137,16 @@ PixelShare& PixelShare::operator=(PixelShare&& other) noexcept {
 
 namespace PixelMemory {
 
+void borrowFrom(Lender* lender) {
+    firstAsked = lender;
+}
+
 Block take(std::size_t bytes, Content content) {
+    if (firstAsked != nullptr) {
+        if (auto lent = firstAsked->lend(bytes, content)) {
+            return std::move(*lent);
+        }
+    }
     auto share = PixelShare::take(bytes);
     if (!share) {
         return nullptr;

@@ -36,5 +36,18 @@ using Block = std::shared_ptr<std::byte>;
 // So many bytes with their share. Null when memory runs out.
 [[nodiscard]] Block take(std::size_t bytes, Content content);
 
+// Somebody else's memory for the pixels that this process makes.
+class Lender {
+public:
+    virtual ~Lender() = default;
+
+    // None when this block shall come from the process's own memory; null when there is no more.
+    [[nodiscard]] virtual std::optional<Block> lend(std::size_t bytes, Content content) = 0;
+};
+
+// From now on take() asks the lender first, who is not owned; null ends that. Not while another
+// thread may take.
+void borrowFrom(Lender* lender);
+
 } // namespace PixelMemory
 } // namespace murkwell

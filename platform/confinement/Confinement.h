@@ -1,0 +1,26 @@
+// The walls around a worker, from the worker's side. Each one that the kernel does not offer is
+// left out and reported.
+#pragma once
+
+#include "platform/confinement/Profiles.h"
+
+namespace murkwell {
+
+// What may be missing; added up.
+namespace Walls {
+constexpr int limits = 1; // of memory, files and descriptors
+constexpr int files = 2;  // Landlock
+constexpr int calls = 4;  // seccomp
+} // namespace Walls
+
+// First thing in main(), since it binds the calling thread and those that this one starts: the
+// process ends with the thread of the program that started it, writes no core and no file, is the
+// first to go when the machine's memory runs out, gains no rights, and reads what its profile names
+// and nothing else. Answers with the walls that are missing.
+[[nodiscard]] int restrain(const Profile& profile);
+
+// When all is loaded, for all threads: no file, no socket, no program, no other process, no code
+// that was not there before. Answers with the walls that are missing.
+[[nodiscard]] int enclose(const Profile& profile);
+
+} // namespace murkwell
