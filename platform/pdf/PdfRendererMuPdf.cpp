@@ -4,7 +4,9 @@
 #include "core/ParallelFor.h"
 #include "platform/pdf/Deadline.h"
 #include "platform/pdf/MuPdf.h"
+#include "platform/pdf/OptionalContent.h"
 #include "platform/pdf/PackedRgb.h"
+#include "platform/pdf/PageDrawing.h"
 #include "platform/pdf/PageTree.h"
 
 #include <algorithm>
@@ -81,6 +83,7 @@ public:
             failure = opened.needsPassword ? LoadFailure::needsPassword : LoadFailure::unreadable;
         }
         if (document != nullptr) {
+            optionalContent.emplace(context.get(), document);
             pageCount_ = flattenPageTree(context.get(), document);
         }
     }
@@ -137,33 +140,26 @@ private:
             return {};
         }
         fz_pixmap* pixmap = nullptr;
-        fz_device* device = nullptr;
         const bool ready = attempt(fz, [&] {
             pixmap = fz_new_pixmap_with_data(
                 fz, fz_device_rgb(fz), size.width, size.height, nullptr, 0, 3 * size.width,
                 reinterpret_cast<unsigned char*>(bitmap->pixels().data()));
-            fz_clear_pixmap_with_value(fz, pixmap, 255);
-            device = fz_new_draw_device(fz, fz_identity, pixmap);
         });
-        // A page that breaks half-way shows what came before; one that ran out of memory is not
-        // shown, since nobody could tell what is missing.
-        const bool finished = ready && attempt(fz, [&] {
-                                  pdf_run_page(fz, page, device, fz_scale(scale, scale), &cookie);
-                                  fz_close_device(fz, device);
-                              });
-        const bool drawn = finished || (ready && fz_caught(fz) != FZ_ERROR_MEMORY);
-        fz_drop_device(fz, device);
+        const PageDrawing drawing =
+            ready ? drawPage(fz, page, *optionalContent, pixmap, fz_scale(scale, scale), cookie)
+                  : PageDrawing::Failed;
         fz_drop_pixmap(fz, pixmap);
-        if (!drawn) {
+        if (drawing == PageDrawing::Failed) {
             return {};
         }
         expandPackedRgb(bitmap->pixels());
-        return {bitmap, finished && cookie.errors == 0 && cookie.incomplete == 0};
+        return {bitmap, drawing == PageDrawing::Whole};
     }
 
     MuPdfContext context;
     pdf_document* document = nullptr;
     LoadFailure failure = LoadFailure::unreadable;
+    std::optional<OptionalContent> optionalContent; // as soon as there is a document
     int pageCount_ = 0;
 };
 

@@ -1,0 +1,189 @@
+#include "platform/pdf/ContentMending.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <span>
+#include <string_view>
+
+namespace murkwell {
+namespace {
+
+// All but those of inline images and of compatibility sections.
+constexpr auto operators = std::to_array<std::string_view>(
+    {"\"", "'",  "B",  "B*", "BDC", "BMC", "BT", "CS",  "DP",  "Do", "EMC", "ET", "F",  "G",
+     "J",  "K",  "M",  "MP", "Q",   "RG",  "S",  "SC",  "SCN", "T*", "TD",  "TJ", "TL", "Tc",
+     "Td", "Tf", "Tj", "Tm", "Tr",  "Ts",  "Tw", "Tz",  "W",   "W*", "b",   "b*", "c",  "cm",
+     "cs", "d",  "d0", "d1", "f",   "f*",  "g",  "gs",  "h",   "i",  "j",   "k",  "l",  "m",
+     "n",  "q",  "re", "rg", "ri",  "s",   "sc", "scn", "sh",  "v",  "w",   "y"});
+
+constexpr int mostOperands = 32; // that MuPDF takes
+
+bool isBlank(unsigned char c) {
+    return c <= ' ';
+}
+
+// Reads a stream as MuPDF's interpreter would, and goes on where that stops. Lives in the frame of
+// mendContent, where MuPDF's jumps cannot pass its destructor: it has none.
+class ContentScan {
+public:
+    ContentScan(fz_context* usedContext, pdf_document* usedDocument, pdf_obj* usedResources,
+                fz_stream* usedStream, std::span<unsigned char> streamBytes)
+        : context(usedContext), document(usedDocument), resources(usedResources),
+          stream(usedStream), bytes(streamBytes) {}
+
+    bool run(pdf_lexbuf* buffer) {
+        lexBuffer = buffer;
+        while (token() != PDF_TOK_EOF) {
+        }
+        return changed;
+    }
+
+private:
+    // Reads one token, and the object or image that it begins.
+    pdf_token token() {
+        const std::size_t start = position();
+        pdf_token kind = PDF_TOK_ERROR;
+        const bool isContent = attemptUnlessMemory([&] {
+            kind = pdf_lex(context, stream, lexBuffer);
+            readRest(kind, start);
+        });
+        if (isContent) {
+            return kind;
+        }
+        const std::size_t end = position();
+        blankOut(start, end);
+        operands = 0;
+        return end == start ? PDF_TOK_EOF : PDF_TOK_ERROR;
+    }
+
+    template <typename Body>
+    bool attemptUnlessMemory(Body&& body) {
+        if (attempt(context, body)) {
+            return true;
+        }
+        if (fz_caught(context) == FZ_ERROR_MEMORY) {
+            fz_rethrow(context);
+        }
+        return false;
+    }
+
+    void readRest(pdf_token kind, std::size_t start) {
+        switch (kind) {
+        case PDF_TOK_EOF:
+        case PDF_TOK_NAME:
+        case PDF_TOK_STRING:
+            return;
+        case PDF_TOK_INT:
+        case PDF_TOK_REAL:
+            require(++operands <= mostOperands);
+            return;
+        case PDF_TOK_OPEN_ARRAY:
+            pdf_drop_obj(context, pdf_parse_array(context, document, stream, lexBuffer));
+            return;
+        case PDF_TOK_OPEN_DICT:
+            pdf_drop_obj(context, pdf_parse_dict(context, document, stream, lexBuffer));
+            return;
+        case PDF_TOK_KEYWORD:
+            readOperator(lexBuffer->scratch, start);
+            operands = 0;
+            return;
+        default:
+            require(false);
+        }
+    }
+
+    void readOperator(std::string_view name, std::size_t start) {
+        if (name == "BI") {
+            readInlineImage(start);
+        } else if (name == "BX" || name == "EX") {
+            compatibility += name == "BX" ? 1 : -1;
+        } else {
+            require(compatibility != 0 || std::ranges::find(operators, name) != operators.end());
+        }
+    }
+
+    void readInlineImage(std::size_t start) {
+        const std::size_t entries = position();
+        const bool isLoaded = attemptUnlessMemory([&] {
+            pdf_obj* const dictionary = pdf_parse_dict(context, document, stream, lexBuffer);
+            fz_read_byte(context, stream);
+            fz_drop_image(context,
+                          pdf_load_inline_image(context, document, resources, dictionary, stream));
+            pdf_drop_obj(context, dictionary);
+        });
+        const std::size_t data = isLoaded ? position() - 1 : afterWord("ID", entries);
+        const std::size_t end = data == bytes.size() && !isLoaded ? entries : afterWord("EI", data);
+        fz_seek(context, stream, static_cast<std::int64_t>(end), SEEK_SET);
+        if (!isLoaded) {
+            blankOut(start, end);
+        }
+    }
+
+    // Where the next such word ends; the end when there is none.
+    [[nodiscard]] std::size_t afterWord(std::string_view word, std::size_t from) const {
+        for (std::size_t i = from; i + word.size() <= bytes.size(); ++i) {
+            const std::size_t end = i + word.size();
+            if ((i == 0 || isBlank(bytes[i - 1]) || i == from) &&
+                std::memcmp(&bytes[i], word.data(), word.size()) == 0 &&
+                (end == bytes.size() || isBlank(bytes[end]) || bytes[end] == '/' ||
+                 bytes[end] == '<')) {
+                return end;
+            }
+        }
+        return bytes.size();
+    }
+
+    [[nodiscard]] std::size_t position() const {
+        return std::min(static_cast<std::size_t>(fz_tell(context, stream)), bytes.size());
+    }
+
+    void require(bool isContent) {
+        if (!isContent) {
+            fz_throw(context, FZ_ERROR_SYNTAX, "not content");
+        }
+    }
+
+    // An operator without effect stands in, where there is room, to use up the operands before.
+    void blankOut(std::size_t start, std::size_t end) {
+        std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(start),
+                  bytes.begin() + static_cast<std::ptrdiff_t>(end), ' ');
+        if (end - start > 2) {
+            bytes[start + 1] = 'i';
+        }
+        changed = true;
+    }
+
+    fz_context* context;
+    pdf_document* document;
+    pdf_obj* resources;
+    fz_stream* stream;
+    std::span<unsigned char> bytes;
+    pdf_lexbuf* lexBuffer = nullptr;
+    int operands = 0;
+    int compatibility = 0;
+    bool changed = false;
+};
+
+} // namespace
+
+bool mendContent(fz_context* context, pdf_document* document, pdf_obj* resources,
+                 fz_buffer* content) {
+    unsigned char* data = nullptr;
+    const std::size_t size = fz_buffer_storage(context, content, &data);
+    fz_stream* const stream = fz_open_buffer(context, content);
+    pdf_lexbuf lexBuffer;
+    pdf_lexbuf_init(context, &lexBuffer, PDF_LEXBUF_SMALL);
+    bool changed = false;
+    const bool done = attempt(context, [&] {
+        changed = ContentScan(context, document, resources, stream, {data, size}).run(&lexBuffer);
+    });
+    pdf_lexbuf_fin(context, &lexBuffer);
+    fz_drop_stream(context, stream);
+    if (!done) {
+        fz_rethrow(context);
+    }
+    return changed;
+}
+
+} // namespace murkwell

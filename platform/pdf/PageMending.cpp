@@ -1,0 +1,141 @@
+#include "platform/pdf/PageMending.h"
+
+#include "platform/pdf/ContentMending.h"
+
+#include <array>
+
+namespace murkwell {
+
+bool PageMending::mend(pdf_page* page) {
+    return attempt(context, [&] {
+        pdf_obj* const resources = pdf_page_resources(context, page);
+        mendResources(resources);
+        if (fz_buffer* const content = mended(pdf_page_contents(context, page), resources)) {
+            pdf_dict_put_drop(context, page->obj, PDF_NAME(Contents),
+                              pdf_add_stream(context, document, content, nullptr, 0));
+            fz_drop_buffer(context, content);
+        }
+        pdf_obj* const annotations = pdf_dict_get(context, page->obj, PDF_NAME(Annots));
+        for (int i = 0; i < pdf_array_len(context, annotations); ++i) {
+            mendAppearances(pdf_array_get(context, annotations, i));
+        }
+        while (!pending.empty()) {
+            pdf_obj* const stream = pdf_new_indirect(context, document, pending.back(), 0);
+            pending.pop_back();
+            mendStream(stream);
+            pdf_drop_obj(context, stream);
+        }
+    });
+}
+
+// The members below may longjmp out, past references that they hold then.
+
+void PageMending::mendResources(pdf_obj* resources) {
+    keepUsable(resources, PDF_NAME(ColorSpace), [&](pdf_obj* space) {
+        return loads([&] { fz_drop_colorspace(context, pdf_load_colorspace(context, space)); });
+    });
+    keepUsable(resources, PDF_NAME(Shading), [&](pdf_obj* shading) {
+        return loads([&] { fz_drop_shade(context, pdf_load_shading(context, document, shading)); });
+    });
+    keepUsable(resources, PDF_NAME(Pattern),
+               [&](pdf_obj* pattern) { return isUsablePattern(pattern); });
+    keepUsable(resources, PDF_NAME(XObject),
+               [&](pdf_obj* object) { return isUsableObject(object); });
+    keepUsable(resources, PDF_NAME(ExtGState), [&](pdf_obj* state) {
+        mendLater(pdf_dict_getl(context, state, PDF_NAME(SMask), PDF_NAME(G), nullptr));
+        return true;
+    });
+}
+
+// What is missing from the resources ends only the operator that asks for it.
+template <typename IsUsable>
+void PageMending::keepUsable(pdf_obj* resources, pdf_obj* category, IsUsable&& isUsable) {
+    pdf_obj* const dictionary = pdf_dict_get(context, resources, category);
+    for (int i = pdf_dict_len(context, dictionary) - 1; i >= 0; --i) {
+        if (!isUsable(pdf_dict_get_val(context, dictionary, i))) {
+            pdf_dict_del(context, dictionary, pdf_dict_get_key(context, dictionary, i));
+            takenOut = true;
+        }
+    }
+}
+
+bool PageMending::isUsableObject(pdf_obj* object) {
+    pdf_obj* const subtype = pdf_dict_get(context, object, PDF_NAME(Subtype));
+    if (pdf_name_eq(context, subtype, PDF_NAME(Form)) != 0) {
+        mendLater(object);
+    } else if (pdf_name_eq(context, subtype, PDF_NAME(Image)) != 0) {
+        return loads([&] { fz_drop_image(context, pdf_load_image(context, document, object)); });
+    }
+    return true;
+}
+
+bool PageMending::isUsablePattern(pdf_obj* pattern) {
+    if (pdf_dict_get_int(context, pattern, PDF_NAME(PatternType)) == 1) {
+        mendLater(pattern);
+        return true;
+    }
+    return loads([&] { fz_drop_shade(context, pdf_load_shading(context, document, pattern)); });
+}
+
+void PageMending::mendAppearances(pdf_obj* annotation) {
+    pdf_obj* const appearance =
+        pdf_dict_getl(context, annotation, PDF_NAME(AP), PDF_NAME(N), nullptr);
+    if (pdf_is_stream(context, appearance) != 0) {
+        mendLater(appearance);
+        return;
+    }
+    for (int i = 0; i < pdf_dict_len(context, appearance); ++i) {
+        mendLater(pdf_dict_get_val(context, appearance, i));
+    }
+}
+
+void PageMending::mendLater(pdf_obj* stream) {
+    const int number = pdf_to_num(context, stream);
+    if (pdf_is_stream(context, stream) != 0 && seen.insert(number).second) {
+        pending.push_back(number);
+    }
+}
+
+void PageMending::mendStream(pdf_obj* stream) {
+    pdf_obj* const resources = pdf_dict_get(context, stream, PDF_NAME(Resources));
+    mendResources(resources);
+    if (fz_buffer* const content = mended(stream, resources)) {
+        pdf_update_stream(context, document, stream, content, 0);
+        fz_drop_buffer(context, content);
+    }
+}
+
+// As much of the content as can be read, mended; null when it can stay as it is. The caller owns
+// the buffer.
+fz_buffer* PageMending::mended(pdf_obj* content, pdf_obj* resources) {
+    fz_buffer* buffer = nullptr;
+    const bool isRead = loads([&] {
+        fz_stream* const stream = pdf_open_contents_stream(context, document, content);
+        int isTruncated = 0;
+        buffer = fz_read_best(context, stream, 0, &isTruncated, 0);
+        takenOut = takenOut || isTruncated != 0;
+        fz_drop_stream(context, stream);
+    });
+    if (!isRead) {
+        takenOut = true;
+        return fz_new_buffer(context, 1);
+    }
+    if (mendContent(context, document, resources, buffer)) {
+        return buffer;
+    }
+    fz_drop_buffer(context, buffer);
+    return nullptr;
+}
+
+template <typename Load>
+bool PageMending::loads(Load&& load) {
+    if (attempt(context, load)) {
+        return true;
+    }
+    if (fz_caught(context) == FZ_ERROR_MEMORY || cookie.abort != 0) {
+        fz_throw(context, FZ_ERROR_MEMORY, "no more to be had");
+    }
+    return false;
+}
+
+} // namespace murkwell

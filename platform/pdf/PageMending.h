@@ -1,0 +1,46 @@
+// Takes from a page, in memory, what MuPDF cannot load and would end the page at.
+#pragma once
+
+#include "platform/pdf/MuPdf.h"
+
+#include <set>
+#include <vector>
+
+namespace murkwell {
+
+// For a page that broke off, before it is drawn again. The objects stay as they have become, for
+// other pages too.
+class PageMending {
+public:
+    // Gives up with an error once the cookie is aborted, when nothing loads any more.
+    PageMending(fz_context* usedContext, pdf_document* usedDocument, const fz_cookie& pageCookie)
+        : context(usedContext), document(usedDocument), cookie(pageCookie) {}
+
+    // False when memory ran out or the cookie was aborted.
+    [[nodiscard]] bool mend(pdf_page* page);
+
+    // Something was taken out that ought to be drawn.
+    [[nodiscard]] bool hasTakenOut() const { return takenOut; }
+
+private:
+    void mendResources(pdf_obj* resources);
+    template <typename IsUsable>
+    void keepUsable(pdf_obj* resources, pdf_obj* category, IsUsable&& isUsable);
+    void mendAppearances(pdf_obj* annotation);
+    void mendStream(pdf_obj* stream);
+    fz_buffer* mended(pdf_obj* content, pdf_obj* resources);
+    void mendLater(pdf_obj* stream);
+    [[nodiscard]] bool isUsableObject(pdf_obj* object);
+    [[nodiscard]] bool isUsablePattern(pdf_obj* pattern);
+    template <typename Load>
+    [[nodiscard]] bool loads(Load&& load);
+
+    fz_context* context;
+    pdf_document* document;
+    const fz_cookie& cookie;
+    std::set<int> seen;       // object numbers of streams
+    std::vector<int> pending; // of those seen, the ones not yet mended
+    bool takenOut = false;
+};
+
+} // namespace murkwell
