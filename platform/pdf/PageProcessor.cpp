@@ -242,10 +242,10 @@ bool PageProcessor::isDecodable(fz_image* image, bool toTheEnd) {
     if (!isDecoded && fz_caught(context) == FZ_ERROR_MEMORY) {
         fz_rethrow(context);
     }
-    const bool isGood = isDecoded && !(toTheEnd && givenUp);
-    skipped = skipped || !isGood;
+    const bool isToTheEnd = isDecoded && !givenUp;
+    skipped = skipped || !isToTheEnd;
     givenUp = givenUpBefore;
-    return isGood;
+    return isDecoded && (isToTheEnd || !toTheEnd);
 }
 
 // The words are those of the MuPDF that the project builds with; the tests see if they change.
