@@ -32,11 +32,11 @@ public:
         : context(usedContext), document(usedDocument), resources(usedResources),
           stream(usedStream), bytes(streamBytes) {}
 
-    bool run(pdf_lexbuf* buffer) {
+    ContentMending run(pdf_lexbuf* buffer) {
         lexBuffer = buffer;
         while (token() != PDF_TOK_EOF) {
         }
-        return changed;
+        return done;
     }
 
 private:
@@ -116,6 +116,7 @@ private:
         const std::size_t end = data == bytes.size() && !isLoaded ? entries : afterWord("EI", data);
         fz_seek(context, stream, static_cast<std::int64_t>(end), SEEK_SET);
         if (!isLoaded) {
+            done.hasLostImage = true;
             blankOut(start, end);
         }
     }
@@ -151,7 +152,7 @@ private:
         if (end - start > 2) {
             bytes[start + 1] = 'i';
         }
-        changed = true;
+        done.isChanged = true;
     }
 
     fz_context* context;
@@ -162,28 +163,28 @@ private:
     pdf_lexbuf* lexBuffer = nullptr;
     int operands = 0;
     int compatibility = 0;
-    bool changed = false;
+    ContentMending done;
 };
 
 } // namespace
 
-bool mendContent(fz_context* context, pdf_document* document, pdf_obj* resources,
-                 fz_buffer* content) {
+ContentMending mendContent(fz_context* context, pdf_document* document, pdf_obj* resources,
+                           fz_buffer* content) {
     unsigned char* data = nullptr;
     const std::size_t size = fz_buffer_storage(context, content, &data);
     fz_stream* const stream = fz_open_buffer(context, content);
     pdf_lexbuf lexBuffer;
     pdf_lexbuf_init(context, &lexBuffer, PDF_LEXBUF_SMALL);
-    bool changed = false;
-    const bool done = attempt(context, [&] {
-        changed = ContentScan(context, document, resources, stream, {data, size}).run(&lexBuffer);
+    ContentMending done;
+    const bool isRead = attempt(context, [&] {
+        done = ContentScan(context, document, resources, stream, {data, size}).run(&lexBuffer);
     });
     pdf_lexbuf_fin(context, &lexBuffer);
     fz_drop_stream(context, stream);
-    if (!done) {
+    if (!isRead) {
         fz_rethrow(context);
     }
-    return changed;
+    return done;
 }
 
 } // namespace murkwell

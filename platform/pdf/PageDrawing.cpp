@@ -122,7 +122,7 @@ PageDrawing drawPage(fz_context* context, pdf_page* page, const OptionalContent&
         if (cookie.abort != 0 || (!isDrawn && fz_caught(context) == FZ_ERROR_MEMORY)) {
             return PageDrawing::Failed;
         }
-        if (isDrawn && !processor.hasGivenUp()) {
+        if (isDrawn && !processor.hasGivenUp() && cookie.errors == 0) {
             return processor.hasSkipped() ? PageDrawing::Incomplete : PageDrawing::Whole;
         }
     }

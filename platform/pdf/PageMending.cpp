@@ -9,6 +9,7 @@ namespace murkwell {
 bool PageMending::mend(pdf_page* page) {
     return attempt(context, [&] {
         pdf_obj* const resources = pdf_page_resources(context, page);
+        pageResources = resources;
         mendResources(resources);
         if (fz_buffer* const content = mended(pdf_page_contents(context, page), resources)) {
             pdf_dict_put_drop(context, page->obj, PDF_NAME(Contents),
@@ -77,6 +78,25 @@ bool PageMending::isUsablePattern(pdf_obj* pattern) {
     return loads([&] { fz_drop_shade(context, pdf_load_shading(context, document, pattern)); });
 }
 
+// A form may name what only the page has.
+void PageMending::addPageResources(pdf_obj* resources) {
+    for (int i = pdf_is_dict(context, resources) != 0 ? pdf_dict_len(context, pageResources) : 0;
+         i > 0; --i) {
+        pdf_obj* const category = pdf_dict_get_key(context, pageResources, i - 1);
+        pdf_obj* const all = pdf_dict_get_val(context, pageResources, i - 1);
+        pdf_obj* own = pdf_dict_get(context, resources, category);
+        if (own == nullptr && pdf_is_dict(context, all) != 0) {
+            own = pdf_dict_put_dict(context, resources, category, 1);
+        }
+        for (int k = pdf_is_dict(context, own) != 0 ? pdf_dict_len(context, all) : 0; k > 0; --k) {
+            pdf_obj* const name = pdf_dict_get_key(context, all, k - 1);
+            if (pdf_dict_get(context, own, name) == nullptr) {
+                pdf_dict_put(context, own, name, pdf_dict_get_val(context, all, k - 1));
+            }
+        }
+    }
+}
+
 void PageMending::mendAppearances(pdf_obj* annotation) {
     pdf_obj* const appearance =
         pdf_dict_getl(context, annotation, PDF_NAME(AP), PDF_NAME(N), nullptr);
@@ -99,6 +119,7 @@ void PageMending::mendLater(pdf_obj* stream) {
 void PageMending::mendStream(pdf_obj* stream) {
     pdf_obj* const resources = pdf_dict_get(context, stream, PDF_NAME(Resources));
     mendResources(resources);
+    addPageResources(resources);
     if (fz_buffer* const content = mended(stream, resources)) {
         pdf_update_stream(context, document, stream, content, 0);
         fz_drop_buffer(context, content);
@@ -120,7 +141,9 @@ fz_buffer* PageMending::mended(pdf_obj* content, pdf_obj* resources) {
         takenOut = true;
         return fz_new_buffer(context, 1);
     }
-    if (mendContent(context, document, resources, buffer)) {
+    const ContentMending mending = mendContent(context, document, resources, buffer);
+    takenOut = takenOut || mending.hasLostImage;
+    if (mending.isChanged) {
         return buffer;
     }
     fz_drop_buffer(context, buffer);

@@ -24,6 +24,7 @@ public:
 
 private:
     void mendResources(pdf_obj* resources);
+    void addPageResources(pdf_obj* resources);
     template <typename IsUsable>
     void keepUsable(pdf_obj* resources, pdf_obj* category, IsUsable&& isUsable);
     void mendAppearances(pdf_obj* annotation);
@@ -38,6 +39,7 @@ private:
     fz_context* context;
     pdf_document* document;
     const fz_cookie& cookie;
+    pdf_obj* pageResources = nullptr;
     std::set<int> seen;       // object numbers of streams
     std::vector<int> pending; // of those seen, the ones not yet mended
     bool takenOut = false;
