@@ -44,10 +44,11 @@ private:
     pdf_token token() {
         const std::size_t start = position();
         pdf_token kind = PDF_TOK_ERROR;
-        const bool isContent = attemptUnlessMemory([&] {
+        const bool isContent = attempt(context, [&] {
             kind = pdf_lex(context, stream, lexBuffer);
             readRest(kind, start);
         });
+        rethrowMemory(isContent);
         if (isContent) {
             return kind;
         }
@@ -57,15 +58,10 @@ private:
         return end == start ? PDF_TOK_EOF : PDF_TOK_ERROR;
     }
 
-    template <typename Body>
-    bool attemptUnlessMemory(Body&& body) {
-        if (attempt(context, body)) {
-            return true;
-        }
-        if (fz_caught(context) == FZ_ERROR_MEMORY) {
+    void rethrowMemory(bool isDone) {
+        if (!isDone && fz_caught(context) == FZ_ERROR_MEMORY) {
             fz_rethrow(context);
         }
-        return false;
     }
 
     void readRest(pdf_token kind, std::size_t start) {
@@ -105,13 +101,15 @@ private:
 
     void readInlineImage(std::size_t start) {
         const std::size_t entries = position();
-        const bool isLoaded = attemptUnlessMemory([&] {
-            pdf_obj* const dictionary = pdf_parse_dict(context, document, stream, lexBuffer);
+        pdf_obj* dictionary = nullptr;
+        const bool isLoaded = attempt(context, [&] {
+            dictionary = pdf_parse_dict(context, document, stream, lexBuffer);
             fz_read_byte(context, stream);
             fz_drop_image(context,
                           pdf_load_inline_image(context, document, resources, dictionary, stream));
-            pdf_drop_obj(context, dictionary);
         });
+        pdf_drop_obj(context, dictionary);
+        rethrowMemory(isLoaded);
         const std::size_t data = isLoaded ? position() - 1 : afterWord("ID", entries);
         const std::size_t end = data == bytes.size() && !isLoaded ? entries : afterWord("EI", data);
         fz_seek(context, stream, static_cast<std::int64_t>(end), SEEK_SET);

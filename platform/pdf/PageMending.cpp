@@ -8,28 +8,25 @@ namespace murkwell {
 
 bool PageMending::mend(pdf_page* page) {
     return attempt(context, [&] {
-        pdf_obj* const resources = pdf_page_resources(context, page);
-        pageResources = resources;
-        mendResources(resources);
-        if (fz_buffer* const content = mended(pdf_page_contents(context, page), resources)) {
+        pageResources = pdf_page_resources(context, page);
+        mendResources(pageResources);
+        withMended(pdf_page_contents(context, page), pageResources, [&](fz_buffer* content) {
             pdf_dict_put_drop(context, page->obj, PDF_NAME(Contents),
                               pdf_add_stream(context, document, content, nullptr, 0));
-            fz_drop_buffer(context, content);
-        }
+        });
         pdf_obj* const annotations = pdf_dict_get(context, page->obj, PDF_NAME(Annots));
         for (int i = 0; i < pdf_array_len(context, annotations); ++i) {
             mendAppearances(pdf_array_get(context, annotations, i));
         }
         while (!pending.empty()) {
-            pdf_obj* const stream = pdf_new_indirect(context, document, pending.back(), 0);
+            const int number = pending.back();
             pending.pop_back();
-            mendStream(stream);
-            pdf_drop_obj(context, stream);
+            mendStream(number);
         }
     });
 }
 
-// The members below may longjmp out, past references that they hold then.
+// The members below may longjmp out.
 
 void PageMending::mendResources(pdf_obj* resources) {
     keepUsable(resources, PDF_NAME(ColorSpace), [&](pdf_obj* space) {
@@ -116,49 +113,66 @@ void PageMending::mendLater(pdf_obj* stream) {
     }
 }
 
-void PageMending::mendStream(pdf_obj* stream) {
-    pdf_obj* const resources = pdf_dict_get(context, stream, PDF_NAME(Resources));
-    mendResources(resources);
-    addPageResources(resources);
-    if (fz_buffer* const content = mended(stream, resources)) {
-        pdf_update_stream(context, document, stream, content, 0);
-        fz_drop_buffer(context, content);
+void PageMending::mendStream(int number) {
+    pdf_obj* const stream = pdf_new_indirect(context, document, number, 0);
+    const bool isMended = attempt(context, [&] {
+        pdf_obj* const resources = pdf_dict_get(context, stream, PDF_NAME(Resources));
+        mendResources(resources);
+        addPageResources(resources);
+        withMended(stream, resources, [&](fz_buffer* content) {
+            pdf_update_stream(context, document, stream, content, 0);
+        });
+    });
+    pdf_drop_obj(context, stream);
+    if (!isMended) {
+        fz_rethrow(context);
     }
 }
 
-// As much of the content as can be read, mended; null when it can stay as it is. The caller owns
-// the buffer.
-fz_buffer* PageMending::mended(pdf_obj* content, pdf_obj* resources) {
-    fz_buffer* buffer = nullptr;
-    const bool isRead = loads([&] {
-        fz_stream* const stream = pdf_open_contents_stream(context, document, content);
-        int isTruncated = 0;
-        buffer = fz_read_best(context, stream, 0, &isTruncated, 0);
-        takenOut = takenOut || isTruncated != 0;
-        fz_drop_stream(context, stream);
+// Calls `replace` with as much of the content as can be read, mended, unless it can stay as it is.
+template <typename Replace>
+void PageMending::withMended(pdf_obj* content, pdf_obj* resources, Replace&& replace) {
+    fz_buffer* const buffer = readContent(content);
+    const bool isMended = attempt(context, [&] {
+        const ContentMending mending = mendContent(context, document, resources, buffer);
+        takenOut = takenOut || mending.hasLostImage;
+        if (mending.isChanged || !isReadable) {
+            replace(buffer);
+        }
     });
-    if (!isRead) {
-        takenOut = true;
-        return fz_new_buffer(context, 1);
-    }
-    const ContentMending mending = mendContent(context, document, resources, buffer);
-    takenOut = takenOut || mending.hasLostImage;
-    if (mending.isChanged) {
-        return buffer;
-    }
     fz_drop_buffer(context, buffer);
-    return nullptr;
+    if (!isMended) {
+        fz_rethrow(context);
+    }
+}
+
+// The caller owns the buffer, which is empty when the content is not readable.
+fz_buffer* PageMending::readContent(pdf_obj* content) {
+    fz_stream* stream = nullptr;
+    fz_buffer* buffer = nullptr;
+    int isCut = 0;
+    isReadable = attempt(context, [&] {
+        stream = pdf_open_contents_stream(context, document, content);
+        buffer = fz_read_best(context, stream, 0, &isCut, 0);
+    });
+    fz_drop_stream(context, stream);
+    requireData(isReadable);
+    takenOut = takenOut || isCut != 0 || !isReadable;
+    return isReadable ? buffer : fz_new_buffer(context, 1);
 }
 
 template <typename Load>
 bool PageMending::loads(Load&& load) {
-    if (attempt(context, load)) {
-        return true;
-    }
-    if (fz_caught(context) == FZ_ERROR_MEMORY || cookie.abort != 0) {
+    const bool isLoaded = attempt(context, load);
+    requireData(isLoaded);
+    return isLoaded;
+}
+
+// After a failure: throws when nothing at all is to be had any more.
+void PageMending::requireData(bool isThere) {
+    if (!isThere && (fz_caught(context) == FZ_ERROR_MEMORY || cookie.abort != 0)) {
         fz_throw(context, FZ_ERROR_MEMORY, "no more to be had");
     }
-    return false;
 }
 
 } // namespace murkwell

@@ -28,13 +28,16 @@ private:
     template <typename IsUsable>
     void keepUsable(pdf_obj* resources, pdf_obj* category, IsUsable&& isUsable);
     void mendAppearances(pdf_obj* annotation);
-    void mendStream(pdf_obj* stream);
-    fz_buffer* mended(pdf_obj* content, pdf_obj* resources);
+    void mendStream(int number);
+    template <typename Replace>
+    void withMended(pdf_obj* content, pdf_obj* resources, Replace&& replace);
+    fz_buffer* readContent(pdf_obj* content);
     void mendLater(pdf_obj* stream);
     [[nodiscard]] bool isUsableObject(pdf_obj* object);
     [[nodiscard]] bool isUsablePattern(pdf_obj* pattern);
     template <typename Load>
     [[nodiscard]] bool loads(Load&& load);
+    void requireData(bool isThere);
 
     fz_context* context;
     pdf_document* document;
@@ -42,6 +45,7 @@ private:
     pdf_obj* pageResources = nullptr;
     std::set<int> seen;       // object numbers of streams
     std::vector<int> pending; // of those seen, the ones not yet mended
+    bool isReadable = true;   // the content that was read last
     bool takenOut = false;
 };
 

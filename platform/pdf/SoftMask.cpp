@@ -45,8 +45,7 @@ std::optional<Line> straightLine(fz_context* context, pdf_obj* transfer) {
     return line;
 }
 
-// The functions below may longjmp out: they make no object that has a destructor, and what they
-// have made by then is lost until the document closes.
+// The functions below may longjmp out: they make no object that has a destructor.
 
 // Paints the group's backdrop, then the group.
 void appendLuminosity(fz_context* context, fz_buffer* content, pdf_obj* mask, pdf_obj* space) {
@@ -99,28 +98,45 @@ void fillResources(fz_context* context, pdf_obj* resources, pdf_obj* group, pdf_
     pdf_dict_put(context, inner, PDF_NAME(G), group);
 }
 
-// A group whose luminosity is that of the mask, after the transfer.
-pdf_obj* transferredGroup(fz_context* context, pdf_document* document, pdf_obj* mask,
-                          const Line& line) {
-    pdf_obj* const group = pdf_dict_get(context, mask, PDF_NAME(G));
-    pdf_obj* const space = pdf_dict_getl(context, group, PDF_NAME(Group), PDF_NAME(CS), nullptr);
-    fz_buffer* const content = fz_new_buffer(context, 256);
-    if (pdf_name_eq(context, pdf_dict_get(context, mask, PDF_NAME(S)), PDF_NAME(Luminosity)) != 0) {
+// Writes a content whose luminosity is that of the mask, after the transfer.
+void fillContent(fz_context* context, fz_buffer* content, pdf_obj* mask, pdf_obj* space,
+                 const Line& line) {
+    pdf_obj* const kind = pdf_dict_get(context, mask, PDF_NAME(S));
+    if (pdf_name_eq(context, kind, PDF_NAME(Luminosity)) != 0) {
         appendLuminosity(context, content, mask, space);
     } else {
         fz_append_printf(context, content, "0 g %sq /Masked gs 1 g %sQ\n", everywhere, everywhere);
     }
     appendLine(context, content, line);
-    pdf_obj* const resources = pdf_new_dict(context, document, 3);
-    fillResources(context, resources, group, space, line);
-    pdf_obj* const form = pdf_new_xobject(context, document, {-100000, -100000, 100000, 100000},
-                                          fz_identity, resources, content);
-    pdf_obj* const attributes = pdf_dict_put_dict(context, form, PDF_NAME(Group), 3);
-    pdf_dict_put(context, attributes, PDF_NAME(S), PDF_NAME(Transparency));
-    pdf_dict_put(context, attributes, PDF_NAME(CS), PDF_NAME(DeviceGray));
-    pdf_dict_put_bool(context, attributes, PDF_NAME(I), 1);
+}
+
+// The caller owns a reference.
+pdf_obj* transferredGroup(fz_context* context, pdf_document* document, pdf_obj* mask,
+                          const Line& line) {
+    fz_buffer* content = nullptr;
+    pdf_obj* resources = nullptr;
+    pdf_obj* form = nullptr;
+    const bool isMade = attempt(context, [&] {
+        pdf_obj* const group = pdf_dict_get(context, mask, PDF_NAME(G));
+        pdf_obj* const space =
+            pdf_dict_getl(context, group, PDF_NAME(Group), PDF_NAME(CS), nullptr);
+        content = fz_new_buffer(context, 256);
+        fillContent(context, content, mask, space, line);
+        resources = pdf_new_dict(context, document, 3);
+        fillResources(context, resources, group, space, line);
+        form = pdf_new_xobject(context, document, {-100000, -100000, 100000, 100000}, fz_identity,
+                               resources, content);
+        pdf_obj* const attributes = pdf_dict_put_dict(context, form, PDF_NAME(Group), 3);
+        pdf_dict_put(context, attributes, PDF_NAME(S), PDF_NAME(Transparency));
+        pdf_dict_put(context, attributes, PDF_NAME(CS), PDF_NAME(DeviceGray));
+        pdf_dict_put_bool(context, attributes, PDF_NAME(I), 1);
+    });
     pdf_drop_obj(context, resources);
     fz_drop_buffer(context, content);
+    if (!isMade) {
+        pdf_drop_obj(context, form);
+        fz_rethrow(context);
+    }
     return form;
 }
 
