@@ -59,7 +59,8 @@ struct PageOperators {
                               pdf_obj* state) {
         PageProcessor& self = owner(context);
         self.run(processor, [&] {
-            self.skipped = !mendSoftMask(context, state) || self.skipped;
+            self.skipped =
+                !mendSoftMask(context, state) || hasTransfer(context, state) || self.skipped;
             self.original.op_gs_begin(context, processor, name, state);
         });
     }

@@ -167,4 +167,11 @@ bool mendSoftMask(fz_context* context, pdf_obj* graphicsState) {
     return line->isExact;
 }
 
+bool hasTransfer(fz_context* context, pdf_obj* graphicsState) {
+    pdf_obj* const newer = pdf_dict_get(context, graphicsState, PDF_NAME(TR2));
+    pdf_obj* const transfer =
+        newer == nullptr ? pdf_dict_get(context, graphicsState, PDF_NAME(TR)) : newer;
+    return transfer != nullptr && pdf_is_name(context, transfer) == 0; // Identity and Default
+}
+
 } // namespace murkwell
