@@ -101,13 +101,15 @@ PageDrawing drawMended(fz_context* context, pdf_page* page, const OptionalConten
     if (!mending.mend(page)) {
         return PageDrawing::Failed;
     }
+    cookie.errors = 0;
     PageProcessor processor(context, optionalContent, PageProcessor::Errors::SkipOperator);
     const bool isDrawn =
         Pass(context, page, optionalContent, processor, cookie).draw(pixmap, transform);
     if (cookie.abort != 0 || (!isDrawn && fz_caught(context) == FZ_ERROR_MEMORY)) {
         return PageDrawing::Failed;
     }
-    const bool isWhole = isDrawn && !mending.hasTakenOut() && !processor.hasSkipped();
+    const bool isWhole = isDrawn && cookie.errors == 0 && !mending.hasTakenOut() &&
+                         !processor.hasSkipped() && !processor.hasGivenUp();
     return isWhole ? PageDrawing::Whole : PageDrawing::Incomplete;
 }
 

@@ -2,8 +2,6 @@
 
 #include "platform/pdf/ContentMending.h"
 
-#include <array>
-
 namespace murkwell {
 
 bool PageMending::mend(pdf_page* page) {
@@ -19,9 +17,10 @@ bool PageMending::mend(pdf_page* page) {
             mendAppearances(pdf_array_get(context, annotations, i));
         }
         while (!pending.empty()) {
-            const int number = pending.back();
+            const Stream stream = pending.back();
             pending.pop_back();
-            mendStream(number);
+            current = stream.number;
+            mendStream(stream);
         }
     });
 }
@@ -75,12 +74,14 @@ bool PageMending::isUsablePattern(pdf_obj* pattern) {
     return loads([&] { fz_drop_shade(context, pdf_load_shading(context, document, pattern)); });
 }
 
-// A form may name what only the page has.
-void PageMending::addPageResources(pdf_obj* resources) {
-    for (int i = pdf_is_dict(context, resources) != 0 ? pdf_dict_len(context, pageResources) : 0;
-         i > 0; --i) {
-        pdf_obj* const category = pdf_dict_get_key(context, pageResources, i - 1);
-        pdf_obj* const all = pdf_dict_get_val(context, pageResources, i - 1);
+// A form may name what only the one around it has, or the page.
+void PageMending::inherit(pdf_obj* resources, pdf_obj* outer) {
+    if (pdf_is_dict(context, resources) == 0) {
+        return;
+    }
+    for (int i = pdf_dict_len(context, outer) - 1; i >= 0; --i) {
+        pdf_obj* const category = pdf_dict_get_key(context, outer, i);
+        pdf_obj* const all = pdf_dict_get_val(context, outer, i);
         pdf_obj* own = pdf_dict_get(context, resources, category);
         if (own == nullptr && pdf_is_dict(context, all) != 0) {
             own = pdf_dict_put_dict(context, resources, category, 1);
@@ -92,6 +93,19 @@ void PageMending::addPageResources(pdf_obj* resources) {
             }
         }
     }
+}
+
+// What a stream draws with.
+pdf_obj* PageMending::resourcesOf(int number) {
+    pdf_obj* const stream = pdf_new_indirect(context, document, number, 0);
+    pdf_obj* resources = nullptr;
+    const bool isRead =
+        attempt(context, [&] { resources = pdf_dict_get(context, stream, PDF_NAME(Resources)); });
+    pdf_drop_obj(context, stream);
+    if (!isRead) {
+        fz_rethrow(context);
+    }
+    return resources == nullptr ? pageResources : resources;
 }
 
 void PageMending::mendAppearances(pdf_obj* annotation) {
@@ -109,17 +123,19 @@ void PageMending::mendAppearances(pdf_obj* annotation) {
 void PageMending::mendLater(pdf_obj* stream) {
     const int number = pdf_to_num(context, stream);
     if (pdf_is_stream(context, stream) != 0 && seen.insert(number).second) {
-        pending.push_back(number);
+        pending.push_back({number, current});
     }
 }
 
-void PageMending::mendStream(int number) {
-    pdf_obj* const stream = pdf_new_indirect(context, document, number, 0);
+void PageMending::mendStream(Stream pendingStream) {
+    pdf_obj* const outer =
+        pendingStream.user == 0 ? pageResources : resourcesOf(pendingStream.user);
+    pdf_obj* const stream = pdf_new_indirect(context, document, pendingStream.number, 0);
     const bool isMended = attempt(context, [&] {
         pdf_obj* const resources = pdf_dict_get(context, stream, PDF_NAME(Resources));
         mendResources(resources);
-        addPageResources(resources);
-        withMended(stream, resources, [&](fz_buffer* content) {
+        inherit(resources, outer);
+        withMended(stream, resources == nullptr ? outer : resources, [&](fz_buffer* content) {
             pdf_update_stream(context, document, stream, content, 0);
         });
     });

@@ -23,12 +23,18 @@ public:
     [[nodiscard]] bool hasTakenOut() const { return takenOut; }
 
 private:
+    struct Stream {
+        int number; // of the object
+        int user;   // the stream that it was found through; 0: the page
+    };
+
     void mendResources(pdf_obj* resources);
-    void addPageResources(pdf_obj* resources);
+    void inherit(pdf_obj* resources, pdf_obj* outer);
+    pdf_obj* resourcesOf(int number);
     template <typename IsUsable>
     void keepUsable(pdf_obj* resources, pdf_obj* category, IsUsable&& isUsable);
     void mendAppearances(pdf_obj* annotation);
-    void mendStream(int number);
+    void mendStream(Stream pendingStream);
     template <typename Replace>
     void withMended(pdf_obj* content, pdf_obj* resources, Replace&& replace);
     fz_buffer* readContent(pdf_obj* content);
@@ -43,9 +49,10 @@ private:
     pdf_document* document;
     const fz_cookie& cookie;
     pdf_obj* pageResources = nullptr;
-    std::set<int> seen;       // object numbers of streams
-    std::vector<int> pending; // of those seen, the ones not yet mended
-    bool isReadable = true;   // the content that was read last
+    std::set<int> seen;          // object numbers of streams
+    std::vector<Stream> pending; // of those seen, the ones not yet mended
+    int current = 0;             // the stream being mended
+    bool isReadable = true;      // the content that was read last
     bool takenOut = false;
 };
 

@@ -138,6 +138,10 @@ TEST(PageDrawing, GoesOnAfterWhatCannotBeDrawn) {
          secret + drawsImage,
          "/XObject << /I 1 0 R >>",
          {image(grey + "/SMask 2 0 R", std::string(64, '\0')), image(grey, "abcd")}},
+        {"an image that ends early",
+         secret + drawsImage,
+         "/XObject << /I 1 0 R >>",
+         {image(grey, "abcd")}},
         {"an image that cannot be decoded",
          secret + drawsImage,
          "/XObject << /I 1 0 R >>",
@@ -154,10 +158,12 @@ TEST(PageDrawing, GoesOnAfterWhatCannotBeDrawn) {
                      "/X Do",
                      "/XObject << /X 1 0 R >>",
                      {form("", secret + repeated("foo ", 150) + cover)}});
-    cases.push_back({"a form that names what only the page has",
-                     secret + "/X Do",
-                     "/XObject << /X 1 0 R /Y 2 0 R >>",
-                     {form("/Resources << /Font << >> >>", "/Y Do"), form("", cover)}});
+    cases.push_back(
+        {"a form in a form that names what only the others have",
+         "/X Do",
+         "/XObject << /X 1 0 R /Z 3 0 R >>",
+         {form("/Resources << /XObject << /Y 2 0 R /C 4 0 R >> >>", "/Y Do"),
+          form("/Resources << /Font << >> >>", "/Z Do /C Do"), form("", secret), form("", cover)}});
     cases.push_back({"nothing wrong", secret, "", {}, "", "", true});
     check(cases);
 }
