@@ -34,7 +34,7 @@ struct Document {
     bool isPDF;
     ContentType imageType;   // PDF when isPDF
     std::vector<Page> pages; // never empty; one page unless isPDF
-    // Pages that the file has and that are not among `pages`.
+    // Pages that the file has and that are not among `pages`; pictures behind the first one.
     std::size_t omittedPages = 0;
 };
 

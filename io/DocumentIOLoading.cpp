@@ -46,7 +46,8 @@ LoadResult loadImage(Bytes data, const std::filesystem::path& url, ImageCodec& c
     if (!image || !image->bitmap) {
         return LoadFailure::unreadable;
     }
-    return Document{url, false, imageTypeOf(*image, url), {{image->bitmap}}};
+    return Document{
+        url, false, imageTypeOf(*image, url), {{image->bitmap}}, image->pictureCount - 1};
 }
 
 } // namespace

@@ -16,7 +16,8 @@ namespace murkwell {
 
 struct DecodedImage {
     BitmapRef bitmap;
-    std::string typeIdentifier; // what the bytes turned out to be; empty when unknown
+    std::string typeIdentifier;   // what the bytes turned out to be; empty when unknown
+    std::size_t pictureCount = 1; // in the file: pages, frames; `bitmap` is the first of them
 };
 
 class ImageCodec {

@@ -36,7 +36,10 @@ std::string listed(const std::vector<std::size_t>& numbers) {
 
 std::vector<std::string> remarksOn(const DocumentIO::Document& document) {
     std::vector<std::string> remarks;
-    if (document.omittedPages == 1) {
+    if (!document.isPDF && document.omittedPages > 0) {
+        remarks.push_back(
+            localized("Only the first of %d pictures is shown.", {document.omittedPages + 1}));
+    } else if (document.omittedPages == 1) {
         remarks.push_back(localized("1 page could not be shown."));
     } else if (document.omittedPages > 1) {
         remarks.push_back(localized("%d pages could not be shown.", {document.omittedPages}));

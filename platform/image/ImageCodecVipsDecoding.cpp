@@ -9,6 +9,7 @@
 #include "platform/image/TiffReading.h"
 #include "platform/image/VipsSession.h"
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <new>
@@ -134,32 +135,40 @@ int receiveRows(VipsRegion* region, VipsRect* area, void* target) {
     return 0;
 }
 
-BitmapRef decodeWithVips(ImageFormat format, Bytes file) {
+// Pages, frames, or what else the format calls them.
+std::size_t pictureCount(const VImage& image) {
+    const int count =
+        image.get_typeof(VIPS_META_N_PAGES) == 0 ? 1 : image.get_int(VIPS_META_N_PAGES);
+    return static_cast<std::size_t>(std::max(count, 1));
+}
+
+// Without a bitmap when it cannot be done.
+DecodedImage decodeWithVips(ImageFormat format, Bytes file) {
     const TimeLimit limit(allowedTime);
     VImage stored = open(format, file, limit);
     if (!isAffordable(format, stored, file)) {
-        return nullptr;
+        return {};
     }
     auto bitmap = Bitmap::create(stored.width(), stored.height());
     if (!bitmap) {
-        return nullptr;
+        return {};
     }
     const VipsDeadline deadline(stored, limit);
     const VImage image = toSrgb(stored);
     Reception reception{*bitmap};
     if (vips_sink_disc(image.get_image(), receiveRows, &reception) != 0 ||
         reception.rows != bitmap->height()) {
-        return nullptr;
+        return {};
     }
-    return bitmap;
+    return {bitmap, {}, pictureCount(stored)};
 }
 
-BitmapRef decodeAs(ImageFormat format, Bytes file) {
+DecodedImage decodeAs(ImageFormat format, Bytes file) {
     if (format == ImageFormat::bmp) {
-        return decodeBmp(file);
+        return {decodeBmp(file), {}};
     }
     if (format == ImageFormat::gif && !firstGifFrameHasColours(file)) {
-        return nullptr;
+        return {};
     }
     const VipsSession session;
     if (format == ImageFormat::heif) {
@@ -176,8 +185,10 @@ std::optional<DecodedImage> ImageCodecVips::decode(Bytes file) {
         return std::nullopt;
     }
     try {
-        if (auto bitmap = decodeAs(signature->format, file)) {
-            return DecodedImage{std::move(bitmap), std::string(signature->type.identifier())};
+        DecodedImage image = decodeAs(signature->format, file);
+        if (image.bitmap) {
+            image.typeIdentifier = signature->type.identifier();
+            return image;
         }
     } catch (const VError&) {
     } catch (const std::bad_alloc&) {

@@ -228,6 +228,10 @@ TEST_F(Files, WhatDidNotComeWholeIsSaidWhenItOpensAndWhenItIsExported) {
         model.exportDocument();
         EXPECT_EQ(model.statusMessage(), std::string("Redacted out.pdf") + c.remarks);
     }
+    bench.engines.codec.decoded = DecodedImage{plainBitmap(2, 2), "public.tiff", 3};
+    model.open({bench.folder.write("a.tif", "any")});
+    EXPECT_EQ(remarksOn(*model.document()),
+              std::vector<std::string>{"Only the first of 3 pictures is shown."});
 }
 
 TEST_F(Files, AStoredBoxBeyondThePageIsKeptAsItIs) {

@@ -159,13 +159,21 @@ TEST(ImageDecoding, OrientationTagsAreIgnored) {
     }
 }
 
-TEST(ImageDecoding, OnlyTheFirstPictureIsRead) {
-    VImage pages = rgbImage(1, 2, {10, 20, 30, 40, 50, 60}).copy();
-    pages.set("page-height", 1);
-    for (const char* suffix : {".tif", ".gif"}) {
-        const auto bitmap = decoded(saved(pages, suffix));
-        ASSERT_TRUE(bitmap) << suffix;
-        EXPECT_EQ(pixelsOf(bitmap), (std::vector<Rgba>{{10, 20, 30, 255}})) << suffix;
+TEST(ImageDecoding, OnlyTheFirstPictureIsReadAndTheOthersAreCounted) {
+    ImageCodecVips codec;
+    for (const int count : {1, 2, 3}) {
+        std::vector<std::uint8_t> samples;
+        for (int i = 0; i < 3 * count; ++i) {
+            samples.push_back(static_cast<std::uint8_t>(10 * i + 10));
+        }
+        VImage pages = rgbImage(1, count, samples).copy();
+        pages.set("page-height", 1);
+        for (const char* suffix : {".tif", ".gif"}) {
+            const auto image = codec.decode(saved(pages, suffix));
+            ASSERT_TRUE(image) << suffix;
+            EXPECT_EQ(pixelsOf(image->bitmap), (std::vector<Rgba>{{10, 20, 30, 255}})) << suffix;
+            EXPECT_EQ(image->pictureCount, static_cast<std::size_t>(count)) << suffix;
+        }
     }
 }
 

@@ -81,6 +81,17 @@ TEST(TiffReading, OldStyleJpegHasTheColoursOfTheJpeg) {
     }
 }
 
+TEST(TiffReading, FurtherDirectoriesAreCounted) {
+    Bytes file = sampled({rgb, 3, 12, true, true});
+    const auto directory =
+        std::to_integer<std::size_t>(file[6]) << 8 | std::to_integer<std::size_t>(file[7]);
+    const Bytes again(file.begin() + static_cast<std::ptrdiff_t>(directory), file.end());
+    file.at(file.size() - 2) = static_cast<std::byte>(file.size() >> 8);
+    file.at(file.size() - 1) = static_cast<std::byte>(file.size());
+    file.insert(file.end(), again.begin(), again.end());
+    EXPECT_EQ(ImageCodecVips().decode(file).value().pictureCount, 2U);
+}
+
 TEST(TiffReading, PremultipliedAlphaIsNotAppliedTwice) {
     TiffTags tags{{256, {1}}, {257, {1}}, {258, {8, 8, 8, 8}}, {259, {1}},  {262, {2}},
                   {277, {4}}, {284, {2}}, {322, {16}},         {323, {16}}, {338, {1}}};
