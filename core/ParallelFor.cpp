@@ -18,7 +18,8 @@ std::size_t availableProcessors() {
     return std::max(1U, std::thread::hardware_concurrency());
 }
 
-bool parallelFor(std::size_t count, const std::function<void(std::size_t)>& job) {
+bool parallelFor(std::size_t count, const std::function<void(std::size_t)>& job,
+                 std::size_t threads) {
     std::atomic<std::size_t> next{0};
     std::atomic<bool> allDone{true};
     const auto work = [&] {
@@ -31,7 +32,7 @@ bool parallelFor(std::size_t count, const std::function<void(std::size_t)>& job)
         }
     };
     std::vector<std::jthread> workers;
-    const std::size_t wanted = std::min(count, availableProcessors());
+    const std::size_t wanted = std::min(count, threads);
     for (std::size_t i = 1; i < wanted; ++i) {
         try {
             workers.emplace_back(work);
