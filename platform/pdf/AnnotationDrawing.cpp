@@ -85,10 +85,16 @@ public:
         }
     }
 
-    // Appearances that MuPDF has made itself are seen only in between the pushes.
+    // What the file has counts before the appearances that MuPDF has made itself, also where MuPDF
+    // took it for none. Those are seen only in between the pushes.
     void draw(pdf_annot* annotation) {
+        pdf_obj* const object = pdf_annot_obj(context, annotation);
+        if (appearanceOf(context, object) != nullptr) {
+            draw(object);
+            return;
+        }
         pdf_annot_push_local_xref(context, annotation);
-        const bool isDrawn = attempt(context, [&] { draw(pdf_annot_obj(context, annotation)); });
+        const bool isDrawn = attempt(context, [&] { draw(object); });
         pdf_annot_pop_local_xref(context, annotation);
         if (!isDrawn) {
             fz_rethrow(context);

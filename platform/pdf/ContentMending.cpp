@@ -59,7 +59,7 @@ private:
     }
 
     void rethrowMemory(bool isDone) {
-        if (!isDone && fz_caught(context) == FZ_ERROR_MEMORY) {
+        if (!isDone && ranOut(context)) {
             fz_rethrow(context);
         }
     }

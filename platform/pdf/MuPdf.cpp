@@ -72,11 +72,9 @@ void dropSource(fz_context*, void* state) {
 
 } // namespace
 
-bool MuPdfMemory::admits(std::size_t size) const {
-    return size < largeBlock || (size <= mostInOne && taken <= mostInAll - size);
-}
-
-MuPdfContext::MuPdfContext(MuPdfMemory& sharedMemory) : memory(sharedMemory) {
+MuPdfContext::MuPdfContext(MuPdfMemory& sharedMemory, std::size_t largestBlock,
+                           std::size_t allLargeBlocks)
+    : memory(sharedMemory), mostInOne(largestBlock), mostInAll(allLargeBlocks) {
     const fz_alloc_context allocator{this, &allocate, &reallocate, &release};
     context = fz_new_context(&allocator, nullptr, storeSize);
     if (context != nullptr) {
@@ -115,20 +113,47 @@ MuPdfContext::Opened MuPdfContext::open(std::span<const std::byte> bytes,
     return {nullptr, isReadable && opened.needsPassword};
 }
 
+bool MuPdfContext::admits(std::size_t size) {
+    if (size < largeBlock) {
+        return true;
+    }
+    if (size > mostInOne && size > absurdBlock) {
+        sawAbsurd = true;
+        return false;
+    }
+    refused = refused || size > mostInOne || !hasRoomFor(size);
+    return !refused;
+}
+
+// Other threads may take the rest meanwhile: then it is a little more than all.
+bool MuPdfContext::hasRoomFor(std::size_t size) const {
+    return size <= mostInAll && memory.inUse() <= mostInAll - size;
+}
+
+bool MuPdfContext::take(std::size_t size) {
+    refused = refused || !hasRoomFor(size);
+    if (!refused) {
+        memory.replace(0, size);
+    }
+    return !refused;
+}
+
 void* MuPdfContext::allocate(void* self, std::size_t size) {
     return reallocate(self, nullptr, size);
 }
 
 void* MuPdfContext::reallocate(void* self, void* block, std::size_t size) {
     auto& context = *static_cast<MuPdfContext*>(self);
-    if (context.interrupted || !context.memory.admits(size)) {
+    if (context.interrupted || !context.admits(size)) {
         return nullptr;
     }
     const std::size_t oldSize = countedSize(block);
     void* const moved = std::realloc(block, size);
-    if (moved != nullptr) {
-        context.memory.replace(oldSize, countedSize(moved));
+    if (moved == nullptr) {
+        context.refused = true;
+        return nullptr;
     }
+    context.memory.replace(oldSize, countedSize(moved));
     return moved;
 }
 

@@ -16,17 +16,11 @@ extern "C" {
 
 namespace murkwell {
 
-// Memory that all contexts of one task may take together for large blocks: decoded streams and
-// images, where a file of a few kilobytes can ask for gigabytes. Outlives the contexts.
+// What all contexts of one task have together taken in large blocks: decoded streams and images,
+// where a file of a few kilobytes can ask for gigabytes. Outlives the contexts.
 class MuPdfMemory {
 public:
-    static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
-
-    // In bytes.
-    MuPdfMemory(std::size_t largestBlock, std::size_t allLargeBlocks)
-        : mostInOne(largestBlock), mostInAll(allLargeBlocks) {}
-
-    [[nodiscard]] bool admits(std::size_t size) const;
+    [[nodiscard]] std::size_t inUse() const { return taken; }
     void replace(std::size_t oldSize, std::size_t newSize) {
         if (oldSize != newSize) { // hardly ever: small blocks count as 0
             taken += newSize - oldSize;
@@ -34,8 +28,6 @@ public:
     }
 
 private:
-    std::size_t mostInOne;
-    std::size_t mostInAll;
     std::atomic<std::size_t> taken{0};
 };
 
@@ -43,13 +35,25 @@ private:
 // dropped.
 class MuPdfContext {
 public:
-    explicit MuPdfContext(MuPdfMemory& memory);
+    // No picture that we could show needs more in one block, in bytes. Who asks for it has read
+    // nonsense, and is refused it on every machine alike.
+    static constexpr std::size_t absurdBlock = std::size_t{1} << 30;
+    static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
+
+    // Refuses what would make one block, or all of them in the memory, larger than this, in bytes.
+    explicit MuPdfContext(MuPdfMemory& memory, std::size_t largestBlock = unlimited,
+                          std::size_t allLargeBlocks = unlimited);
     ~MuPdfContext();
     MuPdfContext(const MuPdfContext&) = delete;
     MuPdfContext& operator=(const MuPdfContext&) = delete;
 
     // Null when memory ran out.
     [[nodiscard]] fz_context* get() const { return context; }
+
+    // Whose it is.
+    [[nodiscard]] static MuPdfContext& of(fz_context* context) {
+        return *static_cast<MuPdfContext*>(context->alloc.user);
+    }
 
     struct Opened {
         pdf_document* document = nullptr; // the caller's; null on any failure
@@ -66,13 +70,31 @@ public:
     void interrupt(bool on) { interrupted = on; }
     [[nodiscard]] bool isInterrupted() const { return interrupted; }
 
+    // Whether it was interrupted, or refused memory for which there was a limit or no room, since
+    // it was made or started afresh. MuPDF does not always say so: it goes on without a font.
+    [[nodiscard]] bool wasStopped() const { return interrupted || refused; }
+    [[nodiscard]] bool sawAbsurdBlock() const { return sawAbsurd; }
+    void startAfresh() { interrupted = refused = sawAbsurd = false; }
+
+    // Whether a block of this size may be had. One that may not counts as refused.
+    [[nodiscard]] bool admits(std::size_t size);
+    // For what is taken past MuPDF's allocator, in however many blocks.
+    [[nodiscard]] bool take(std::size_t size);
+    void giveBack(std::size_t size) { memory.replace(size, 0); }
+
 private:
+    [[nodiscard]] bool hasRoomFor(std::size_t size) const;
+
     static void* allocate(void* self, std::size_t size);
     static void* reallocate(void* self, void* block, std::size_t size);
     static void release(void* self, void* block);
 
     MuPdfMemory& memory;
+    std::size_t mostInOne;
+    std::size_t mostInAll;
     std::atomic<bool> interrupted{false};
+    bool refused = false;
+    bool sawAbsurd = false;
     fz_context* context;
 };
 
@@ -88,6 +110,12 @@ template <typename Body>
         return false;
     }
     return true;
+}
+
+// After a call that failed: nothing else is to be had either, since it ran into a limit of ours.
+// Who was refused an absurd block has an error of its own to deal with.
+[[nodiscard]] inline bool ranOut(fz_context* context) {
+    return fz_caught(context) == FZ_ERROR_MEMORY && MuPdfContext::of(context).wasStopped();
 }
 
 } // namespace murkwell

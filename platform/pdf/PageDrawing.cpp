@@ -96,6 +96,7 @@ private:
 // Draws what MuPDF gave up on, without what it cannot draw.
 PageDrawing drawMended(fz_context* context, pdf_page* page, const OptionalContent& optionalContent,
                        fz_pixmap* pixmap, fz_matrix transform, fz_cookie& cookie) {
+    ++cookie.errors;         // even where MuPDF has counted none
     fz_empty_store(context); // decoded again, what is broken is reported again
     PageMending mending(context, page->doc, cookie);
     if (!mending.mend(page)) {
@@ -105,7 +106,7 @@ PageDrawing drawMended(fz_context* context, pdf_page* page, const OptionalConten
     PageProcessor processor(context, optionalContent, PageProcessor::Errors::SkipOperator);
     const bool isDrawn =
         Pass(context, page, optionalContent, processor, cookie).draw(pixmap, transform);
-    if (cookie.abort != 0 || (!isDrawn && fz_caught(context) == FZ_ERROR_MEMORY)) {
+    if (cookie.abort != 0 || (!isDrawn && ranOut(context))) {
         return PageDrawing::Failed;
     }
     const bool isWhole = isDrawn && cookie.errors == 0 && !mending.hasTakenOut() &&
@@ -121,7 +122,7 @@ PageDrawing drawPage(fz_context* context, pdf_page* page, const OptionalContent&
         PageProcessor processor(context, optionalContent, PageProcessor::Errors::EndThePage);
         const bool isDrawn =
             Pass(context, page, optionalContent, processor, cookie).draw(pixmap, transform);
-        if (cookie.abort != 0 || (!isDrawn && fz_caught(context) == FZ_ERROR_MEMORY)) {
+        if (cookie.abort != 0 || (!isDrawn && ranOut(context))) {
             return PageDrawing::Failed;
         }
         if (isDrawn && !processor.hasGivenUp() && cookie.errors == 0) {

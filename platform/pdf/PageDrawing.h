@@ -15,7 +15,7 @@ enum class PageDrawing {
 
 // Fills the pixmap with white, the page's content and its annotations. `transform` leads from the
 // page's points, as MuPDF turns them, to the pixmap. A page at which MuPDF gives up is mended in
-// memory and drawn again.
+// memory and drawn again; the cookie then counts an error, and the document is another one.
 [[nodiscard]] PageDrawing drawPage(fz_context* context, pdf_page* page,
                                    const OptionalContent& optionalContent, fz_pixmap* pixmap,
                                    fz_matrix transform, fz_cookie& cookie);

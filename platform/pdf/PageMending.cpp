@@ -186,7 +186,7 @@ bool PageMending::loads(Load&& load) {
 
 // After a failure: throws when nothing at all is to be had any more.
 void PageMending::requireData(bool isThere) {
-    if (!isThere && (fz_caught(context) == FZ_ERROR_MEMORY || cookie.abort != 0)) {
+    if (!isThere && (ranOut(context) || cookie.abort != 0)) {
         fz_throw(context, FZ_ERROR_MEMORY, "no more to be had");
     }
 }

@@ -240,7 +240,7 @@ bool PageProcessor::isDecodable(fz_image* image, bool toTheEnd) {
         fz_drop_pixmap(
             context, fz_get_pixmap_from_image(context, image, nullptr, nullptr, nullptr, nullptr));
     });
-    if (!isDecoded && fz_caught(context) == FZ_ERROR_MEMORY) {
+    if (!isDecoded && ranOut(context)) {
         fz_rethrow(context);
     }
     const bool isToTheEnd = isDecoded && !givenUp;
@@ -265,7 +265,7 @@ void PageProcessor::run(pdf_processor* processor, Call&& call) {
     if (errors == Errors::EndThePage) {
         call();
     } else if (!attempt(context, call)) {
-        if (fz_caught(context) == FZ_ERROR_MEMORY) {
+        if (ranOut(context)) {
             fz_rethrow(context);
         }
         skipped = true;

@@ -155,7 +155,9 @@ void installRoot(fz_context* context, pdf_document* document, pdf_obj* root, int
 
 } // namespace
 
-int flattenPageTree(fz_context* context, pdf_document* document) {
+namespace {
+
+int flattenOnce(fz_context* context, pdf_document* document) {
     pdf_obj* const oldRoot = answer(context, [&] {
         return pdf_dict_getl(context, pdf_trailer(context, document), PDF_NAME(Root),
                              PDF_NAME(Pages), nullptr);
@@ -181,6 +183,16 @@ int flattenPageTree(fz_context* context, pdf_document* document) {
         attempt(context, [&] { installRoot(context, document, newRoot, pageCount); });
     pdf_drop_obj(context, newRoot);
     return installed ? pageCount : 0;
+}
+
+} // namespace
+
+int flattenPageTree(fz_context* context, pdf_document* document) {
+    const int wasRepaired = pdf_was_repaired(context, document);
+    const int pageCount = flattenOnce(context, document);
+    // A repair drops whatever was changed before it. There is only one.
+    return pdf_was_repaired(context, document) == wasRepaired ? pageCount
+                                                              : flattenOnce(context, document);
 }
 
 } // namespace murkwell

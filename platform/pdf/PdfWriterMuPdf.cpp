@@ -143,7 +143,7 @@ void save(fz_context* context, pdf_document* document, Bytes& bytes) {
 
 std::optional<Bytes> PdfWriterMuPdf::encode(std::vector<BitmapRef> pages) {
     const auto images = encodeImages(std::move(pages));
-    MuPdfMemory memory(MuPdfMemory::unlimited, MuPdfMemory::unlimited);
+    MuPdfMemory memory;
     const MuPdfContext context(memory);
     fz_context* const fz = context.get();
     if (!images || fz == nullptr) {

@@ -16,8 +16,8 @@ constexpr Rgba red{255, 0, 0, 255};
 // None when the file does not open.
 using Pages = std::optional<std::vector<BitmapRef>>;
 
-Pages render(std::span<const std::byte> pdf) {
-    const auto result = PdfRendererMuPdf().render(pdf, std::nullopt);
+Pages render(std::span<const std::byte> pdf, std::size_t threads = 2) {
+    const auto result = PdfRendererMuPdf(threads).render(pdf, std::nullopt);
     const auto* const rendered = std::get_if<std::vector<RenderedPage>>(&result);
     if (rendered == nullptr) {
         return std::nullopt;
@@ -96,7 +96,9 @@ TEST(PdfRendererMuPdf, PageSizes) {
              {"/MediaBox [0 0 0.25 1]", "1x2"},
              {"/MediaBox [0 0 0.2 1]", "-"},
              {"/MediaBox [0 0 595 2147483647]", "-"},
-             {"/MediaBox [0 0 0 0]", "1224x1584"},
+             {"/MediaBox [0 0 0 0]", "-"},
+             {"/MediaBox [0 0 612 0]", "-"},
+             {"/MediaBox [0 0 612]", "1224x1584"},
              {"/MediaBox (wrong)", "1224x1584"},
              {"", "1224x1584"},
          }) {
@@ -172,6 +174,76 @@ TEST(PdfRendererMuPdf, BrokenPagesAreNullAndTheOthersStay) {
     EXPECT_EQ(sizes(render(PdfBuilder::document(
                   {"/MediaBox [0 0 10 10]", "/MediaBox [0 0 0.1 0.1]", "/MediaBox [0 0 20 20]"}))),
               "20x20 - 40x40");
+}
+
+// A picture shown large on every third page and small on the others; what is on a page must not
+// depend on the pages that were drawn before on the same thread.
+TEST(PdfRendererMuPdf, TheNumberOfThreadsChangesNoPixel) {
+    PdfBuilder builder;
+    std::string samples;
+    for (int i = 0; i < 200 * 200; ++i) {
+        samples += static_cast<char>(i * i / 7 % 251);
+    }
+    const int picture =
+        builder.addStream(samples, "/Type /XObject /Subtype /Image /Width 200 /Height 200 "
+                                   "/ColorSpace /DeviceGray /BitsPerComponent 8");
+    const auto content = [&](int size) {
+        const std::string side = std::to_string(size);
+        return builder.addStream("q " + side + " 0 0 " + side + " 3 3 cm /P Do Q");
+    };
+    const int large = content(100);
+    const int small = content(11);
+    std::string kids;
+    for (int i = 0; i < 12; ++i) {
+        kids += PdfBuilder::ref(builder.add(
+                    "<< /Type /Page /MediaBox [0 0 110 110] /Resources << /XObject << /P " +
+                    PdfBuilder::ref(picture) + " >> >> /Contents " +
+                    PdfBuilder::ref(i % 3 == 0 ? large : small) + " >>")) +
+                " ";
+    }
+    const int tree = builder.add("<< /Type /Pages /Count 12 /Kids [" + kids + "] >>");
+    const auto pdf =
+        builder.finish(builder.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(tree) + " >>"));
+    const auto one = render(pdf, 1);
+    ASSERT_EQ(one->size(), 12U);
+    for (const std::size_t threads : {2U, 6U, 16U}) {
+        const auto pages = render(pdf, threads);
+        for (std::size_t i = 0; i < pages->size(); ++i) {
+            EXPECT_TRUE(std::ranges::equal((*pages)[i]->pixels(), (*one)[i]->pixels()))
+                << threads << " threads, page " << i + 1;
+        }
+    }
+    // Nor does it matter which pages there are before.
+    EXPECT_TRUE(std::ranges::equal((*one)[1]->pixels(), (*one)[11]->pixels()));
+}
+
+// Where the table of contents points to the wrong place, whether a page shows it or only what is
+// drawn there.
+TEST(PdfRendererMuPdf, ReadsDamagedFilesAsAWhole) {
+    PdfBuilder builder;
+    const int squares[]{builder.addStream("0 0 10 10 re f"), builder.addStream("5 5 10 10 re f")};
+    std::string kids;
+    for (const int square : squares) {
+        kids += PdfBuilder::ref(builder.add("<< /Type /Page /MediaBox [0 0 20 20] /Contents " +
+                                            PdfBuilder::ref(square) + " >>")) +
+                " ";
+    }
+    const int tree = builder.add("<< /Type /Pages /Count 2 /Kids [" + kids + "] >>");
+    const int root = builder.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(tree) + " >>");
+    const auto whole = builder.finish(root);
+    const std::string_view text(reinterpret_cast<const char*>(whole.data()), whole.size());
+    const std::size_t table = text.find("0000000000 65535 f");
+    constexpr std::size_t entry = 20;
+    for (int object = 1; object <= root; ++object) {
+        for (const std::size_t threads : {1U, 2U}) {
+            auto damaged = whole;
+            damaged[table + entry * static_cast<std::size_t>(object) + 9] ^= std::byte{1};
+            const auto pages = render(damaged, threads);
+            ASSERT_EQ(sizes(pages), "40x40 40x40") << object;
+            EXPECT_EQ(inked(*(*pages)[0]), "0,20,20,20") << object;
+            EXPECT_EQ(inked(*(*pages)[1]), "10,10,20,20") << object;
+        }
+    }
 }
 
 TEST(PdfRendererMuPdf, PageTreesThatLie) {
