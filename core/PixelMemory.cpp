@@ -75,21 +75,31 @@ std::byte* map(std::size_t bytes) {
     return memory;
 }
 
-// The block that was let go last, for the next bitmap of that size: fresh memory has to be zeroed
-// by the kernel, which takes longer than copying a page into it.
+// Also a dump that somebody else makes of this process shall not hold pages.
+std::byte* mapUndumped(std::size_t bytes) {
+    std::byte* const memory = map(bytes);
+    if (memory != nullptr) {
+        ::madvise(memory, bytes, MADV_DONTDUMP);
+    }
+    return memory;
+}
+
+// The block that was let go last, cleared, for the next bitmap of that size: fresh memory has to be
+// mapped and zeroed by the kernel, which takes longer.
 class SpareBlock {
 public:
-    // Null when there is none of this size.
+    // Zeroed; null when there is none of this size.
     std::byte* take(std::size_t size) {
         const std::lock_guard lock(mutex);
         return size == bytes ? (bytes = 0, std::exchange(block, nullptr)) : nullptr;
     }
 
     // Keeps the block and lets go of the one kept before. A small one is cheap, a very large one
-    // too much to keep: they are let go at once.
+    // too much to keep: they are let go at once. What was on a page does not outlive it.
     void keep(std::byte* memory, std::size_t size) {
         constexpr std::size_t largestKept = std::size_t{32} << 20;
         if (size >= hugePageSize && size <= largestKept) {
+            std::memset(memory, 0, size);
             const std::lock_guard lock(mutex);
             std::swap(memory, block);
             std::swap(size, bytes);
@@ -152,11 +162,8 @@ Block take(std::size_t bytes, Content content) {
         return nullptr;
     }
     std::byte* memory = spareBlock().take(bytes);
-    if (memory != nullptr && content == Content::zero) {
-        std::memset(memory, 0, bytes);
-    }
     if (memory == nullptr) {
-        memory = map(bytes);
+        memory = mapUndumped(bytes);
     }
     if (memory == nullptr) {
         return nullptr;
