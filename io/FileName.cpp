@@ -1,5 +1,7 @@
 #include "io/FileName.h"
 
+#include "io/Unicode.h"
+
 namespace murkwell {
 namespace {
 
@@ -21,6 +23,10 @@ std::string lowerCased(std::string_view text) {
 
 std::string lastPathComponent(const std::filesystem::path& location) {
     return lastComponent(location).string();
+}
+
+std::string shownName(const std::filesystem::path& location) {
+    return printable(lastPathComponent(location));
 }
 
 std::string pathExtension(const std::filesystem::path& location) {

@@ -14,6 +14,9 @@ namespace murkwell {
 // The last component, also of a location that ends in a slash.
 [[nodiscard]] std::string lastPathComponent(const std::filesystem::path& location);
 
+// The same as it can be shown to the user; not the name of a file.
+[[nodiscard]] std::string shownName(const std::filesystem::path& location);
+
 // Without the dot; empty when there is none. A name such as ".pdf" has no extension.
 [[nodiscard]] std::string pathExtension(const std::filesystem::path& location);
 

@@ -7,6 +7,7 @@
 #include "io/BinaryPropertyListWriter.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,13 +32,21 @@ struct MurkwellDocument {
     std::vector<std::vector<StoredRedaction>> pages; // in page order
 };
 
-// A binary property list; the source's bytes are shared, not copied. A file name that is no UTF-8
-// is stored with U+FFFD for its broken bytes. None when memory runs out.
+// A binary property list; the source's bytes are shared, not copied. A file name is stored as it
+// can be shown, with U+FFFD for bytes that are no UTF-8 and for control characters. None when
+// memory runs out.
 [[nodiscard]] std::optional<BinaryPropertyList> encode(const MurkwellDocument& document);
 
 // Reads the binary form and the XML form. Unknown keys are ignored. None when anything is missing,
-// of a wrong type, given twice, not finite, or when memory runs out: no box is salvaged. From the
-// binary form the source's bytes are a slice of the file.
+// of a wrong type, given twice, not finite, when the file name has control characters, or when
+// memory runs out: no box is salvaged. From the binary form the source's bytes are a slice of the
+// file.
 [[nodiscard]] std::optional<MurkwellDocument> decode(const SharedBytes& file);
+
+// What the source of a document that lies in this file is called, beside it. Only the last
+// component of the stored name counts: one that was made to lead elsewhere must not decide where an
+// export is proposed.
+[[nodiscard]] std::filesystem::path nominalURL(const MurkwellDocument& document,
+                                               const std::filesystem::path& file);
 
 } // namespace murkwell

@@ -1,7 +1,9 @@
 #include "io/MurkwellDocument.h"
 
 #include "io/BinaryPropertyListReader.h"
+#include "io/FileName.h"
 #include "io/MurkwellDocumentKeys.h"
+#include "io/Unicode.h"
 #include "io/XmlPropertyListReader.h"
 
 #include <algorithm>
@@ -95,7 +97,7 @@ public:
     bool string(std::string text) override {
         if (isAt(Place::document, Keys::sourceFilename)) {
             document.sourceFilename = std::move(text);
-            return true;
+            return !hasControlCharacters(document.sourceFilename);
         }
         const auto style = redactionStyle(text);
         if (!isAt(Place::redaction, Keys::style) || !style) {
@@ -222,6 +224,11 @@ std::optional<MurkwellDocument> decode(const SharedBytes& file) try {
     return std::nullopt;
 } catch (const std::length_error&) {
     return std::nullopt;
+}
+
+std::filesystem::path nominalURL(const MurkwellDocument& document,
+                                 const std::filesystem::path& file) {
+    return file.parent_path() / lastPathComponent(document.sourceFilename);
 }
 
 } // namespace murkwell

@@ -1,6 +1,7 @@
 #include "io/MurkwellDocument.h"
 
 #include "io/MurkwellDocumentKeys.h"
+#include "io/Unicode.h"
 
 #include <array>
 #include <new>
@@ -75,7 +76,7 @@ std::optional<BinaryPropertyList> encode(const MurkwellDocument& document) try {
     BinaryPropertyListWriter writer(objectsNeeded(document));
     const std::array<BinaryPropertyListWriter::Entry, 3> small{{
         {writer.string(Keys::version), writer.integer(document.version)},
-        {writer.string(Keys::sourceFilename), writer.string(document.sourceFilename)},
+        {writer.string(Keys::sourceFilename), writer.string(printable(document.sourceFilename))},
         {writer.string(Keys::sourceData), writer.data(document.sourceData)},
     }};
     RedactionWriter redactions(writer);

@@ -73,6 +73,24 @@ Decoded decodeFront(std::string_view text) {
     return {c, length};
 }
 
+// Cuts the text into characters; broken bytes come one by one, as U+FFFD.
+template <typename Take>
+void forEachCharacter(std::string_view text, Take take) {
+    while (!text.empty()) {
+        const auto [c, length] = decodeFront(text);
+        take(c, text.substr(0, length));
+        text.remove_prefix(length);
+    }
+}
+
+bool isControlCharacter(char32_t c) {
+    return c < 0x20 || (c >= 0x7F && c < 0xA0);
+}
+
+bool breaksOrTurnsTheLine(char32_t c) {
+    return (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+}
+
 } // namespace
 
 std::optional<std::string> utf8FromUtf16(std::span<const std::byte> bigEndian) {
@@ -96,17 +114,38 @@ std::optional<std::string> utf8FromUtf16(std::span<const std::byte> bigEndian) {
 
 std::u16string utf16FromUtf8(std::string_view text) {
     std::u16string units;
-    while (!text.empty()) {
-        const auto [c, length] = decodeFront(text);
+    forEachCharacter(text, [&](char32_t c, std::string_view) {
         if (c < 0x10000) {
             units.push_back(static_cast<char16_t>(c));
         } else {
             units.push_back(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
             units.push_back(static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
         }
-        text.remove_prefix(length);
-    }
+    });
     return units;
+}
+
+bool isUtf8(std::string_view text) {
+    bool broken = false;
+    forEachCharacter(text, [&](char32_t c, std::string_view bytes) {
+        broken = broken || (c == replacement && bytes.size() == 1);
+    });
+    return !broken;
+}
+
+bool hasControlCharacters(std::string_view text) {
+    bool found = false;
+    forEachCharacter(text,
+                     [&](char32_t c, std::string_view) { found = found || isControlCharacter(c); });
+    return found;
+}
+
+std::string printable(std::string_view text) {
+    std::string result;
+    forEachCharacter(text, [&](char32_t c, std::string_view) {
+        appendUtf8(result, isControlCharacter(c) || breaksOrTurnsTheLine(c) ? replacement : c);
+    });
+    return result;
 }
 
 bool isAscii(std::string_view text) {

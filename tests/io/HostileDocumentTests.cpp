@@ -97,6 +97,8 @@ std::vector<BinaryCase> refusedBinaries() {
         {"no bytes per reference", [](RawPropertyList& list) { list.referenceSize = 0; }},
         {"no bytes per offset", [](RawPropertyList& list) { list.offsetSize = 0; }},
         {"9 bytes per offset", [](RawPropertyList& list) { list.offsetSize = 9; }},
+        {"a name with a control character",
+         [](RawPropertyList& list) { list.objects[Raw::name] = rawString("a\x1B.png"); }},
         {"the top is a string", [](RawPropertyList& list) { list.top = Raw::name; }},
     };
 }

@@ -161,7 +161,7 @@ TEST(MurkwellDocument, SourceIsASliceOfTheFileAndOutlivesIt) {
     EXPECT_TRUE(std::ranges::equal(decoded->sourceData.bytes(), sharedBytes(source).bytes()));
 }
 
-TEST(MurkwellDocument, ANameThatIsNoUtf8IsStoredReadably) {
+TEST(MurkwellDocument, ANameIsStoredAsItCanBeShown) {
     struct Case {
         const char* name;
         const char* stored;
@@ -173,6 +173,9 @@ TEST(MurkwellDocument, ANameThatIsNoUtf8IsStoredReadably) {
              {"\xC0\xAF", "\xEF\xBF\xBD\xEF\xBF\xBD"},                 // overlong
              {"\xED\xA0\x80", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"}, // a surrogate
              {"\xF4\x8F\xBF\xBF", "\xF4\x8F\xBF\xBF"},                 // the last code point
+             {"a\x1B[1m\n\x7F", "a\xEF\xBF\xBD[1m\xEF\xBF\xBD\xEF\xBF\xBD"},
+             {"\xC2\x9B\xC2\xA0", "\xEF\xBF\xBD\xC2\xA0"},
+             {"\xE2\x80\xAEgnp.exe", "\xEF\xBF\xBDgnp.exe"}, // written from right to left
          }) {
         const auto encoded = encode({1, each.name, {}, {}});
         ASSERT_TRUE(encoded);
