@@ -4,6 +4,9 @@
 #include "app/MurkwellApp.h"
 #include "app/SingleInstance.h"
 #include "core/Localization.h"
+#include "core/ProcessHardening.h"
+#include "io/TemporaryFile.h"
+#include "io/Unicode.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -111,10 +114,16 @@ int run(const Start& start, int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    hardenProcess();
+    removeTemporaryFileOnSignals();
     const auto command = parseCommandLine(argc, argv);
     if (const auto* const ending = std::get_if<Ending>(&command)) {
-        (ending->exitCode == 0 ? std::cout : std::cerr) << ending->text << '\n';
-        return ending->exitCode;
+        if (ending->exitCode != 0) {
+            std::cerr << printable(ending->text) << '\n';
+            return ending->exitCode;
+        }
+        std::cout << ending->text << std::endl;
+        return std::cout ? 0 : 1;
     }
     return run(std::get<Start>(command), argc, argv);
 }

@@ -1,7 +1,10 @@
 #include "cli/Arguments.h"
 
 #include "io/ContentType.h"
+#include "io/FileAccess.h"
 #include "io/FileName.h"
+#include "io/Unicode.h"
+#include "model/WhiteSpace.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -74,6 +77,21 @@ bool isSavedDocument(const std::filesystem::path& source) {
     return ContentType::fromExtension(pathExtension(source)) == ContentType::session;
 }
 
+// With the extension added where there is none, except for a device or a pipe. None when it has
+// another one.
+std::optional<std::filesystem::path> placeOfSavedDocument(std::filesystem::path given) {
+    std::error_code ignored;
+    const bool isWrittenTo =
+        exists(given, ignored) && !replacesFile(given) && !is_directory(given, ignored);
+    if (isSavedDocument(given) || isWrittenTo) {
+        return given;
+    }
+    if (!pathExtension(given).empty()) {
+        return std::nullopt;
+    }
+    return given += "." + std::string(*ContentType::session.preferredFilenameExtension());
+}
+
 CLI::Validator boxValidator() {
     return {[](std::string& text) {
                 return parseBox(text) ? std::string()
@@ -93,6 +111,21 @@ CLI::Validator kindsValidator() {
             ""};
 }
 
+// What an option without its value, as an unset variable leaves it, would silently stand for.
+CLI::Validator notEmpty() {
+    return {[](std::string& text) { return text.empty() ? "It is empty" : std::string(); }, ""};
+}
+
+// Of white space alone nothing would be looked for, of broken characters nothing found.
+CLI::Validator queryValidator() {
+    return {[](std::string& text) {
+                return withoutOuterWhiteSpace(text).empty() || !isUtf8(text)
+                           ? "“" + text + "” is no text to find"
+                           : std::string();
+            },
+            ""};
+}
+
 CLI::Validator pagesValidator() {
     return {[](std::string& text) {
                 return text == allWord || parsePage(text)
@@ -100,6 +133,11 @@ CLI::Validator pagesValidator() {
                            : "“" + text + "” is neither all nor a page number";
             },
             ""};
+}
+
+// May be given several times. Without this it would also take the sources behind its value.
+CLI::Option* takesOneEach(CLI::Option* option) {
+    return option->expected(1)->take_all()->allow_extra_args(false);
 }
 
 // What is searched for and where, as the parser sees it.
@@ -115,9 +153,9 @@ struct SearchOptions {
                         "Kinds to find: all, or some of " +
                             CLI::detail::join(rawValues(allPIIKinds), ","))
             ->check(kindsValidator());
-        command.add_option("--find", queries, "Text to find, whatever its letter case")
-            ->expected(1)
-            ->take_all();
+        takesOneEach(
+            command.add_option("--find", queries, "Text to find, whatever its letter case"))
+            ->check(queryValidator());
         command.add_flag("--fuzzy", fuzzy, "Also find close spellings and slips of recognition");
         command.add_option("--pages", pages, "The page to search, or all")->check(pagesValidator());
     }
@@ -141,20 +179,24 @@ struct RedactOptions {
 
     void addTo(CLI::App& command) {
         command.add_option("SOURCE", sources, "Images, PDFs and saved documents")->required();
-        auto* const file = command.add_option("-o,--output", output,
-                                              "Where to write (one SOURCE only; default: beside "
-                                              "it, with -redacted in the name)");
-        command.add_option("--out-dir", outputFolder, "Folder to write into")->excludes(file);
-        command.add_option("--save", savedDocument,
-                           "Save the work as a document (one SOURCE only); without -o and "
-                           "--out-dir, nothing is exported");
+        auto* const file = command
+                               .add_option("-o,--output", output,
+                                           "Where to write (one SOURCE only; default: beside "
+                                           "it, with -redacted in the name)")
+                               ->check(notEmpty());
+        command.add_option("--out-dir", outputFolder, "Folder to write into")
+            ->excludes(file)
+            ->check(notEmpty());
         command
-            .add_option("--box", boxes,
-                        "PAGE:X,Y,W,H[:STYLE]; pages count from 1, the rest are fractions of the "
-                        "page from its top-left corner")
-            ->check(boxValidator())
-            ->expected(1)
-            ->take_all();
+            .add_option("--save", savedDocument,
+                        "Save the work as a document (one SOURCE only); without -o and "
+                        "--out-dir, nothing is exported")
+            ->check(notEmpty());
+        takesOneEach(command.add_option(
+                         "--box", boxes,
+                         "PAGE:X,Y,W,H[:STYLE]; pages count from 1, the rest are fractions of the "
+                         "page from its top-left corner"))
+            ->check(boxValidator());
         search.addTo(command);
         command.add_option("--style", style, "solidBlack, solidWhite or noise")
             ->check(CLI::IsMember(rawValues(allRedactionStyles)));
@@ -172,7 +214,11 @@ struct RedactOptions {
         RedactArguments arguments;
         arguments.sources = paths(sources);
         if (!savedDocument.empty()) {
-            arguments.savedDocument = savedDocument;
+            arguments.savedDocument = placeOfSavedDocument(savedDocument);
+            if (!arguments.savedDocument) {
+                return Ending{wrongUsage,
+                              "“" + savedDocument + "” is not named as a saved document"};
+            }
         }
         if (!output.empty()) {
             arguments.output = output;

@@ -9,6 +9,9 @@ bool forEachSource(const std::vector<std::filesystem::path>& sources,
     Progress progress(sources.size());
     bool allDone = true;
     for (const auto& source : sources) {
+        if (!resultsAreRead()) {
+            break; // which the source before has reported
+        }
         progress.begin(source);
         if (const Failure failure = work(source)) {
             printFailure(*failure);

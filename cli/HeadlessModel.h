@@ -31,12 +31,10 @@ public:
 class CommandLinePanels final : public Panels {
 public:
     [[nodiscard]] std::vector<std::filesystem::path> run(const OpenPanel&) override { return {}; }
-    [[nodiscard]] std::optional<std::filesystem::path> run(const SavePanel&) override {
-        return location;
-    }
+    [[nodiscard]] std::optional<Destination> run(const SavePanel&) override { return answer; }
     [[nodiscard]] std::size_t run(const Alert&) override { return 0; }
 
-    std::optional<std::filesystem::path> location;
+    std::optional<Destination> answer;
 };
 
 // Nothing is kept from one run to the next.

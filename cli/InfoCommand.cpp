@@ -31,15 +31,15 @@ std::optional<Document> documentAt(const path& source, const Engines& engines) {
     return headless.model.document();
 }
 
-void print(const path& source, const Document& document) {
+Failure print(const path& source, const Document& document) {
     auto pages = nlohmann::ordered_json::array();
     for (const auto& page : document.pages) {
         pages.push_back({page.image->width(), page.image->height()});
     }
-    printJson({{"file", source.string()},
-               {"isPDF", document.isPDF},
-               {"imageType", document.imageType.identifier()},
-               {"pages", pages}});
+    return printJson({{"file", source.string()},
+                      {"isPDF", document.isPDF},
+                      {"imageType", document.imageType.identifier()},
+                      {"pages", pages}});
 }
 
 } // namespace
@@ -47,10 +47,9 @@ void print(const path& source, const Document& document) {
 bool info(const InfoArguments& arguments, const Engines& engines) {
     return forEachSource(arguments.sources, [&](const path& source) -> Failure {
         if (const auto document = documentAt(source, engines)) {
-            print(source, *document);
-            return std::nullopt;
+            return print(source, *document);
         }
-        return localized("Couldn’t open “%@”.", {lastPathComponent(source)});
+        return localized("Couldn’t open “%@”.", {shownName(source)});
     });
 }
 

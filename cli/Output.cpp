@@ -2,6 +2,7 @@
 
 #include "core/Localization.h"
 #include "io/FileName.h"
+#include "io/Unicode.h"
 #include "model/DocumentRemarks.h"
 
 #include <iostream>
@@ -13,39 +14,69 @@ namespace {
 
 constexpr std::string_view clearLine = "\r\033[K";
 
+// JSON lets DEL and the control characters from U+0080 to U+009F stand for themselves, a terminal
+// does not. They can only stand in strings, where each may be written as its number.
+std::string withoutControlCharacters(std::string_view json) {
+    constexpr char firstOfTwo = '\xC2';
+    std::string result;
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        if (json[i] == '\x7F') {
+            result += "\\u007f";
+        } else if (json[i] == firstOfTwo && static_cast<unsigned char>(json[i + 1]) < 0xA0) {
+            result += json[++i] < '\x90' ? "\\u008" : "\\u009";
+            result += "0123456789abcdef"[json[i] & 0xF];
+        } else {
+            result += json[i];
+        }
+    }
+    return result;
+}
+
 } // namespace
 
-void printJson(const nlohmann::ordered_json& line) {
+std::optional<std::string> printJson(const nlohmann::ordered_json& line) {
     using Json = nlohmann::ordered_json;
     constexpr int onOneLine = -1;
     constexpr bool escapeNonAscii = false;
-    std::cout << line.dump(onOneLine, ' ', escapeNonAscii, Json::error_handler_t::replace)
+    std::cout << withoutControlCharacters(
+                     line.dump(onOneLine, ' ', escapeNonAscii, Json::error_handler_t::replace))
               << std::endl;
+    return resultsAreRead() ? std::nullopt
+                            : std::optional(localized("Couldn’t write to standard output."));
+}
+
+bool resultsAreRead() {
+    return std::cout.good();
 }
 
 void printFailure(std::string_view message) {
-    std::cerr << message << std::endl;
+    std::cerr << printable(message) << std::endl;
 }
 
 void printRemarks(const std::filesystem::path& file, const DocumentIO::Document& document) {
     for (const std::string& remark : remarksOn(document)) {
-        printFailure(lastPathComponent(file) + ": " + remark);
+        printFailure(shownName(file) + ": " + remark);
     }
 }
 
 std::string alreadyThere(const std::filesystem::path& file) {
-    return localized("Couldn’t write to “%@”. It is there already; --force replaces it, but not "
-                     "with two sources.",
-                     {lastPathComponent(file)});
+    return localized("Couldn’t write to “%@”. It is there already; --force replaces it.",
+                     {shownName(file)});
+}
+
+std::string wouldBeLost(const std::filesystem::path& target) {
+    return localized("Couldn’t write to “%@”. It is one of the sources, or written twice; nothing "
+                     "was written.",
+                     {shownName(target)});
 }
 
 std::string boxTooSmall(const std::filesystem::path& file) {
-    return localized("A box for “%@” is too small.", {lastPathComponent(file)});
+    return localized("A box for “%@” is too small.", {shownName(file)});
 }
 
 std::string noSuchPage(const std::filesystem::path& file, int page, std::size_t pageCount) {
     return localized("“%@” has no page %d; its last page is %d.",
-                     {lastPathComponent(file), page, pageCount});
+                     {shownName(file), page, pageCount});
 }
 
 Progress::Progress(std::size_t fileCount)
@@ -60,7 +91,7 @@ Progress::~Progress() {
 void Progress::begin(const std::filesystem::path& file) {
     ++begun;
     if (watched) {
-        std::cerr << clearLine << '[' << begun << '/' << count << "] " << lastPathComponent(file)
+        std::cerr << clearLine << '[' << begun << '/' << count << "] " << shownName(file)
                   << std::flush;
     }
 }

@@ -7,14 +7,20 @@
 #include <cstddef>
 #include <filesystem>
 #include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace murkwell::cli {
 
-// Keys keep their order. Bytes of a file name that are no UTF-8 come out as U+FFFD.
-void printJson(const nlohmann::ordered_json& line);
+// Keys keep their order. Bytes of a file name that are no UTF-8 come out as U+FFFD. A message when
+// the line could not be written.
+[[nodiscard]] std::optional<std::string> printJson(const nlohmann::ordered_json& line);
 
+// Whether results still reach somebody. Once they do not, they never will.
+[[nodiscard]] bool resultsAreRead();
+
+// In one line, whatever the message holds.
 void printFailure(std::string_view message);
 
 // On standard error, each with the file's name.
@@ -22,6 +28,7 @@ void printRemarks(const std::filesystem::path& file, const DocumentIO::Document&
 
 // Messages that the model does not have, in the user's language.
 [[nodiscard]] std::string alreadyThere(const std::filesystem::path& file);
+[[nodiscard]] std::string wouldBeLost(const std::filesystem::path& target);
 [[nodiscard]] std::string boxTooSmall(const std::filesystem::path& file);
 [[nodiscard]] std::string noSuchPage(const std::filesystem::path& file, int page,
                                      std::size_t pageCount);

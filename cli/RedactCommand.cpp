@@ -3,23 +3,15 @@
 #include "cli/EachSource.h"
 #include "cli/Output.h"
 #include "cli/PageSearch.h"
+#include "cli/Targets.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <set>
 
 namespace murkwell::cli {
 namespace {
 
 using std::filesystem::path;
-
-path destinationFor(const DocumentIO::Document& document, const RedactArguments& arguments) {
-    if (arguments.output) {
-        return *arguments.output;
-    }
-    const path proposed = DocumentIO::defaultOutputURL(document);
-    return arguments.outputFolder ? *arguments.outputFolder / proposed.filename() : proposed;
-}
 
 int highestPage(const RedactArguments& arguments) {
     int highest = arguments.search.page.value_or(1);
@@ -38,13 +30,12 @@ bool addBoxes(RedactModel& model, const RedactArguments& arguments) {
     });
 }
 
-// One run over several sources, which must not write two of them to one file.
 class RedactRun {
 public:
     RedactRun(const RedactArguments& given, const Engines& used)
         : arguments(given), engines(used) {}
 
-    Failure redact(const path& source) {
+    Failure redact(const path& source, const Targets& targets) {
         HeadlessModel headless(engines);
         RedactModel& model = headless.model;
         if (auto failure = headless.open(source)) {
@@ -55,7 +46,6 @@ public:
             return noSuchPage(source, highest, model.document()->pages.size());
         }
         // Before the search, which takes its time.
-        const Targets targets = targetsFor(*model.document());
         for (const auto& target : {targets.savedDocument, targets.exported}) {
             if (target && !mayWrite(*target)) {
                 return alreadyThere(*target);
@@ -69,55 +59,37 @@ public:
         if (auto failure = write(headless, targets)) {
             return failure;
         }
-        report(source, targets, model.totalRedactionCount());
-        return std::nullopt;
+        return report(source, targets, model.totalRedactionCount());
     }
 
 private:
-    struct Targets {
-        std::optional<path> savedDocument;
-        std::optional<path> exported;
-    };
-
-    [[nodiscard]] Targets targetsFor(const DocumentIO::Document& document) const {
-        Targets targets{arguments.savedDocument, std::nullopt};
-        if (arguments.exports()) {
-            targets.exported = destinationFor(document, arguments);
-        }
-        return targets;
-    }
-
     [[nodiscard]] bool mayWrite(const path& target) const {
-        std::error_code ignored;
-        if (!exists(target, ignored) || !is_regular_file(target, ignored)) {
-            return true; // what is no file is refused or written to as such
-        }
-        return arguments.force && !written.contains(weakly_canonical(target));
+        return arguments.force || !replacesFile(target);
     }
 
-    Failure write(HeadlessModel& headless, const Targets& targets) {
+    [[nodiscard]] Failure write(HeadlessModel& headless, const Targets& targets) const {
         RedactModel& model = headless.model;
         if (targets.savedDocument) {
-            headless.panels.location = targets.savedDocument;
+            headless.panels.answer = Destination(*targets.savedDocument, arguments.force);
             model.saveSessionAs();
             if (model.errorMessage()) {
                 return model.errorMessage();
             }
         }
         if (targets.exported) {
-            headless.panels.location = targets.exported;
+            headless.panels.answer = Destination(*targets.exported, arguments.force);
             model.exportDocument();
             if (model.errorMessage()) {
                 return model.errorMessage();
             }
-            written.insert(weakly_canonical(*targets.exported));
         }
         return std::nullopt;
     }
 
-    void report(const path& source, const Targets& targets, std::size_t count) const {
+    [[nodiscard]] Failure report(const path& source, const Targets& targets,
+                                 std::size_t count) const {
         if (!arguments.json) {
-            return;
+            return std::nullopt;
         }
         nlohmann::ordered_json line{{"file", source.string()}};
         if (targets.savedDocument) {
@@ -127,20 +99,26 @@ private:
             line["output"] = targets.exported->string();
         }
         line["redactions"] = count;
-        printJson(line);
+        return printJson(line);
     }
 
     const RedactArguments& arguments;
     const Engines& engines;
-    std::set<path> written;
 };
 
 } // namespace
 
 bool redact(const RedactArguments& arguments, const Engines& engines) {
+    const auto targets = targetsOf(arguments);
+    const auto obstacles = clashes(arguments.sources, targets);
+    std::ranges::for_each(obstacles, printFailure);
+    if (!obstacles.empty()) {
+        return false;
+    }
     RedactRun run(arguments, engines);
+    auto next = targets.begin();
     return forEachSource(arguments.sources,
-                         [&](const std::filesystem::path& source) { return run.redact(source); });
+                         [&](const path& source) { return run.redact(source, *next++); });
 }
 
 } // namespace murkwell::cli

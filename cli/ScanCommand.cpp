@@ -9,13 +9,14 @@
 namespace murkwell::cli {
 namespace {
 
-void printBox(const std::filesystem::path& source, std::size_t page, const Redaction& redaction) {
+Failure printBox(const std::filesystem::path& source, std::size_t page,
+                 const Redaction& redaction) {
     const PageRect& rect = redaction.rect;
-    printJson({{"file", source.string()},
-               {"page", page},
-               {"rect", {rect.x, rect.y, rect.width, rect.height}},
-               {"style", rawValue(redaction.style)},
-               {"detected", redaction.detected}});
+    return printJson({{"file", source.string()},
+                      {"page", page},
+                      {"rect", {rect.x, rect.y, rect.width, rect.height}},
+                      {"style", rawValue(redaction.style)},
+                      {"detected", redaction.detected}});
 }
 
 // A message when the file could not be done. A saved document's own boxes are printed as well.
@@ -33,7 +34,9 @@ std::optional<std::string> scanFile(const std::filesystem::path& source,
     search(model, arguments.search, RedactionStyle::solidBlack);
     for (const std::size_t index : pages) {
         for (const Redaction& redaction : model.redactionsByPage()[index]) {
-            printBox(source, index + 1, redaction);
+            if (auto failure = printBox(source, index + 1, redaction)) {
+                return failure;
+            }
         }
     }
     return std::nullopt;

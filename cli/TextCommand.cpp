@@ -21,17 +21,17 @@ Json pixelBox(const RecognizerRect& box, const Bitmap& page) {
     return {box.minX() * w, (1 - box.maxY()) * h, box.maxX() * w, (1 - box.minY()) * h};
 }
 
-void printLine(const std::filesystem::path& source, std::size_t number, const Bitmap& page,
-               const RecognizedLine& line) {
+Failure printLine(const std::filesystem::path& source, std::size_t number, const Bitmap& page,
+                  const RecognizedLine& line) {
     Json characters = Json::array();
     for (const RecognizerRect& box : line.characterBoxes) {
         characters.push_back(pixelBox(box, page));
     }
-    printJson({{"file", source.string()},
-               {"page", number},
-               {"line", line.text},
-               {"box", pixelBox(line.box, page)},
-               {"chars", characters}});
+    return printJson({{"file", source.string()},
+                      {"page", number},
+                      {"line", line.text},
+                      {"box", pixelBox(line.box, page)},
+                      {"chars", characters}});
 }
 
 // A message when the file could not be done.
@@ -50,7 +50,9 @@ std::optional<std::string> readFile(const std::filesystem::path& source,
         const Bitmap& page = *document->pages[index].image;
         const auto lines = engines.recognition.textRecognizer.recognize(page);
         for (const RecognizedLine& line : lines.value_or(std::vector<RecognizedLine>())) {
-            printLine(source, index + 1, page, line);
+            if (auto failure = printLine(source, index + 1, page, line)) {
+                return failure;
+            }
         }
     }
     return std::nullopt;

@@ -2,8 +2,11 @@
 
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
+#include "cli/Output.h"
 #include "core/Localization.h"
+#include "core/ProcessHardening.h"
 #include "core/RandomSource.h"
+#include "io/TemporaryFile.h"
 #include "platform/faces/FaceDetectorUltraFace.h"
 #include "platform/image/ImageCodecVips.h"
 #include "platform/ocr/TextRecognizerCombined.h"
@@ -37,6 +40,15 @@ void reportMissing(const cli::SearchArguments& search, TextRecognizerCombined& t
     reportMissing(readsText, findsFaces, textRecognizer, faceDetector);
 }
 
+int printEnding(const cli::Ending& ending) {
+    if (ending.exitCode != 0) {
+        cli::printFailure(ending.text);
+        return ending.exitCode;
+    }
+    std::cout << ending.text << std::endl;
+    return cli::resultsAreRead() ? 0 : 1;
+}
+
 int run(int argc, char** argv) {
     useCatalogue(findCatalogue(catalogueFolder(), userLanguages()));
     const auto command = cli::parseArguments(argc, argv);
@@ -53,8 +65,7 @@ int run(int argc, char** argv) {
         [&](const auto& chosen) {
             using Chosen = std::decay_t<decltype(chosen)>;
             if constexpr (std::is_same_v<Chosen, cli::Ending>) {
-                (chosen.exitCode == 0 ? std::cout : std::cerr) << chosen.text << '\n';
-                return chosen.exitCode;
+                return printEnding(chosen);
             } else if constexpr (std::is_same_v<Chosen, cli::RedactArguments>) {
                 reportMissing(chosen.search, textRecognizer, faceDetector);
                 return cli::redact(chosen, engines) ? 0 : 1;
@@ -74,11 +85,13 @@ int run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    hardenProcess();
+    removeTemporaryFileOnSignals();
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {
         // Nothing below throws on purpose; memory can still run out anywhere.
-        std::cerr << "murkwell-cli: " << error.what() << '\n';
+        cli::printFailure(std::string("murkwell-cli: ") + error.what());
         return 1;
     }
 }

@@ -4,6 +4,7 @@
 
 #include "core/Redaction.h"
 #include "io/ContentType.h"
+#include "io/FileAccess.h"
 #include "io/ImageCodec.h"
 #include "io/PdfRenderer.h"
 #include "io/PdfWriter.h"
@@ -70,10 +71,14 @@ struct Engines {
 // source file is never written to, so a destination that is the source fails too.
 [[nodiscard]] bool write(const Document& document,
                          std::span<const std::vector<Redaction>> redactionsByPage,
-                         const std::filesystem::path& destination, const Engines& engines);
+                         const Destination& destination, const Engines& engines);
 
 // Beside the source: its base name, "-redacted." and the extension of what write() makes.
 [[nodiscard]] std::filesystem::path defaultOutputURL(const Document& document);
+
+// The same for a source that is not loaded. None when its name does not tell what it is.
+[[nodiscard]] std::optional<std::filesystem::path>
+defaultOutputURL(const std::filesystem::path& nominalURL);
 
 } // namespace DocumentIO
 } // namespace murkwell

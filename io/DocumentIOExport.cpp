@@ -50,19 +50,18 @@ ContentType writableType(const ContentType& source, const ImageCodec& codec) {
     return ContentType::png;
 }
 
-bool writeIfEncoded(const std::optional<Bytes>& bytes, const std::filesystem::path& destination) {
+bool writeIfEncoded(const std::optional<Bytes>& bytes, const Destination& destination) {
     return bytes && writeFileAtomically(destination, *bytes);
 }
 
-bool writeImage(const Bitmap& image, const std::filesystem::path& destination,
-                const ContentType& type, ImageCodec& codec) {
+bool writeImage(const Bitmap& image, const Destination& destination, const ContentType& type,
+                ImageCodec& codec) {
     const auto quality =
         type == ContentType::jpeg ? std::optional<double>(jpegQuality) : std::nullopt;
     return writeIfEncoded(codec.encode(image, type, quality), destination);
 }
 
-bool writePDF(std::vector<BitmapRef> pages, const std::filesystem::path& destination,
-              PdfWriter& writer) {
+bool writePDF(std::vector<BitmapRef> pages, const Destination& destination, PdfWriter& writer) {
     return writeIfEncoded(writer.encode(std::move(pages)), destination);
 }
 
@@ -71,11 +70,24 @@ bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) 
     return std::filesystem::equivalent(a, b, ignored);
 }
 
+std::filesystem::path outputURL(const std::filesystem::path& url, const ContentType& type) {
+    const std::string spelled = pathExtension(url);
+    std::string extension;
+    if (type.conformsTo(ContentType::pdf)) {
+        extension = "pdf";
+    } else if (!spelled.empty()) {
+        extension = spelled;
+    } else {
+        extension = type.preferredFilenameExtension().value_or("png");
+    }
+    return url.parent_path() / (baseName(url) + "-redacted." + extension);
+}
+
 } // namespace
 
 bool write(const Document& document, std::span<const std::vector<Redaction>> redactionsByPage,
-           const std::filesystem::path& destination, const Engines& engines) {
-    if (isSameFile(document.url, destination)) {
+           const Destination& destination, const Engines& engines) {
+    if (isSameFile(document.url, destination.location)) {
         return false;
     }
     const ContentType type =
@@ -93,16 +105,12 @@ bool write(const Document& document, std::span<const std::vector<Redaction>> red
 }
 
 std::filesystem::path defaultOutputURL(const Document& document) {
-    const std::string spelled = pathExtension(document.url);
-    std::string extension;
-    if (document.isPDF) {
-        extension = "pdf";
-    } else if (!spelled.empty()) {
-        extension = spelled;
-    } else {
-        extension = document.imageType.preferredFilenameExtension().value_or("png");
-    }
-    return document.url.parent_path() / (baseName(document.url) + "-redacted." + extension);
+    return outputURL(document.url, document.isPDF ? ContentType::pdf : document.imageType);
+}
+
+std::optional<std::filesystem::path> defaultOutputURL(const std::filesystem::path& nominalURL) {
+    const auto type = ContentType::fromExtension(pathExtension(nominalURL));
+    return type ? std::optional(outputURL(nominalURL, *type)) : std::nullopt;
 }
 
 } // namespace murkwell::DocumentIO

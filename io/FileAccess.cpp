@@ -1,7 +1,12 @@
 #include "io/FileAccess.h"
 
+#include "io/FileDescriptor.h"
+#include "io/FilePermissions.h"
+#include "io/TemporaryFile.h"
+
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
@@ -17,27 +22,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int descriptor) : value(descriptor) {}
-    ~FileDescriptor() { (void)close(); }
-    FileDescriptor(FileDescriptor&& other) noexcept : value(std::exchange(other.value, -1)) {}
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(FileDescriptor&&) = delete;
-
-    [[nodiscard]] bool isOpen() const { return value >= 0; }
-    [[nodiscard]] int get() const { return value; }
-
-    // Some file systems report a failed write only here.
-    [[nodiscard]] bool close() {
-        const int descriptor = std::exchange(value, -1);
-        return descriptor < 0 || ::close(descriptor) == 0;
-    }
-
-private:
-    int value;
-};
+fs::path folderOf(const fs::path& file) {
+    return file.has_parent_path() ? file.parent_path() : fs::path(".");
+}
 
 // Memory that is not cleared first: reading a large file would otherwise write all of it twice.
 class Buffer {
@@ -98,8 +85,36 @@ bool writeAll(int descriptor, Parts parts) {
         parts, [&](std::span<const std::byte> part) { return writeAll(descriptor, part); });
 }
 
-bool writeDirectly(const fs::path& location, Parts parts) {
-    FileDescriptor file(::open(location.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+std::size_t sizeOf(Parts parts) {
+    std::size_t size = 0;
+    for (const auto& part : parts) {
+        size += part.size();
+    }
+    return size;
+}
+
+// Which of this process's open files a location such as /dev/stdout stands for. Opened by that name
+// a file would be written from its beginning, or a redirected one replaced.
+std::optional<int> ownDescriptor(fs::path location) {
+    constexpr int mostLinks = 40; // as many as the kernel follows
+    std::error_code error;
+    const fs::path descriptors = fs::canonical("/proc/self/fd", error);
+    for (int links = 0; !error && links < mostLinks; ++links) {
+        const fs::path folder = fs::canonical(folderOf(location), error);
+        const std::string name = location.filename().string();
+        if (!error && folder == descriptors) {
+            int number = -1;
+            const auto [end, failed] =
+                std::from_chars(name.data(), name.data() + name.size(), number);
+            const bool isNumber = failed == std::errc{} && end == name.data() + name.size();
+            return isNumber ? std::optional(number) : std::nullopt;
+        }
+        location = folder / fs::read_symlink(location, error);
+    }
+    return std::nullopt;
+}
+
+bool writeInto(FileDescriptor file, Parts parts) {
     return file.isOpen() && writeAll(file.get(), parts) && file.close();
 }
 
@@ -112,41 +127,108 @@ void syncFolder(const fs::path& folder) {
     }
 }
 
-// A new file beside the target, for this process alone. Its short name fits wherever the target's
-// does. Empty path on failure.
-std::pair<FileDescriptor, fs::path> createTemporary(const fs::path& folder) {
-    constexpr int attempts = 100;
-    for (int i = 0; i < attempts; ++i) {
-        const fs::path path =
-            folder / (".murkwell-" + std::to_string(::getpid()) + "-" + std::to_string(i));
-        FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-        if (file.isOpen()) {
-            return {std::move(file), path};
-        }
-        if (errno != EEXIST) {
-            break;
-        }
-    }
-    return {FileDescriptor(-1), fs::path()};
+enum class Outcome { done, failed, folderRefuses };
+
+// A folder that takes no files, or does not let go of this one, leaves the file itself writable.
+Outcome refusal() {
+    const bool refused = errno == EACCES || errno == EPERM || errno == EROFS || errno == EBUSY;
+    return refused ? Outcome::folderRefuses : Outcome::failed;
 }
 
-// Permissions: those of the file that is replaced; none for a new file, which gets the usual ones.
-bool replaceFile(const fs::path& target, std::optional<mode_t> permissions, Parts parts) {
-    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    auto [file, temporary] = createTemporary(folder);
-    if (!file.isOpen()) {
-        return false;
+Outcome writeBeside(const fs::path& target, bool mayReplace, const FilePermissions& permissions,
+                    Parts parts) {
+    const fs::path folder = folderOf(target);
+    auto temporary = TemporaryFile::create(folder);
+    if (!temporary) {
+        return refusal();
     }
-    const bool replaced = writeAll(file.get(), parts) &&
-                          (!permissions || ::fchmod(file.get(), *permissions) == 0) &&
-                          ::fsync(file.get()) == 0 && file.close() &&
-                          ::rename(temporary.c_str(), target.c_str()) == 0;
-    if (!replaced) {
-        ::unlink(temporary.c_str());
-        return false;
+    if (!writeAll(temporary->descriptor(), parts) || ::fsync(temporary->descriptor()) != 0) {
+        return Outcome::failed;
+    }
+    permissions.giveTo(temporary->descriptor());
+    if (!temporary->close()) {
+        return Outcome::failed;
+    }
+    if (!temporary->become(target, mayReplace)) {
+        return refusal();
     }
     syncFolder(folder);
-    return true;
+    return Outcome::done;
+}
+
+// Takes away what the file grants beyond the permissions.
+bool narrow(int descriptor, const FilePermissions& permissions) {
+    struct stat status {};
+    if (::fstat(descriptor, &status) != 0) {
+        return false;
+    }
+    const bool isOwnersOrOurs = permissions.owner || status.st_uid == ::geteuid();
+    const mode_t allowed = status.st_mode & permissions.mode;
+    return isOwnersOrOurs &&
+           ((status.st_mode & 07777) == allowed || ::fchmod(descriptor, allowed) == 0);
+}
+
+// The only way where the folder is closed to us. A disk without room is noticed beforehand.
+bool writeInPlace(const fs::path& target, const FilePermissions& permissions, Parts parts) {
+    FileDescriptor file(::open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NOFOLLOW));
+    const auto size = static_cast<off_t>(sizeOf(parts));
+    if (!file.isOpen() || !narrow(file.get(), permissions)) {
+        return false;
+    }
+    if (::fallocate(file.get(), FALLOC_FL_KEEP_SIZE, 0, size) != 0 && errno != EOPNOTSUPP) {
+        return false;
+    }
+    return writeAll(file.get(), parts) && ::ftruncate(file.get(), size) == 0 &&
+           ::fsync(file.get()) == 0 && file.close();
+}
+
+bool replaceFile(const fs::path& target, const FilePermissions& permissions, Parts parts) {
+    const Outcome outcome = writeBeside(target, true, permissions, parts);
+    return outcome == Outcome::done ||
+           (outcome == Outcome::folderRefuses && writeInPlace(target, permissions, parts));
+}
+
+// A file that is there, or what a link to it names.
+bool replaceExisting(const fs::path& location, const fs::path* contained, Parts parts) {
+    std::error_code error;
+    const fs::path target = fs::canonical(location, error);
+    auto permissions = FilePermissions::of(target);
+    if (error || !permissions) {
+        return false;
+    }
+    if (contained != nullptr) {
+        const auto others = FilePermissions::of(*contained);
+        permissions = others ? permissions->limitedTo(*others) : FilePermissions::ownerOnly();
+    }
+    return replaceFile(target, *permissions, parts);
+}
+
+bool createNew(const Destination& destination, bool isPrivate, Parts parts) {
+    std::error_code ignored;
+    if (fs::is_symlink(destination.location, ignored)) {
+        return false; // leads nowhere
+    }
+    const auto permissions = isPrivate ? FilePermissions::ownerOnly()
+                                       : FilePermissions::usual(folderOf(destination.location));
+    return writeBeside(destination.location, destination.mayReplace, permissions, parts) ==
+           Outcome::done;
+}
+
+bool writeFile(const Destination& destination, const fs::path* contained, Parts parts) {
+    const fs::path& location = destination.location;
+    if (const auto descriptor = ownDescriptor(location)) {
+        return writeInto(FileDescriptor(::fcntl(*descriptor, F_DUPFD_CLOEXEC, 0)), parts);
+    }
+    struct stat status {};
+    if (::stat(location.c_str(), &status) != 0) {
+        return errno == ENOENT && createNew(destination, contained != nullptr, parts);
+    }
+    if (S_ISREG(status.st_mode)) {
+        return destination.mayReplace && replaceExisting(location, contained, parts);
+    }
+    return !S_ISDIR(status.st_mode) &&
+           writeInto(FileDescriptor(::open(location.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY)),
+                     parts);
 }
 
 } // namespace
@@ -171,21 +253,18 @@ std::optional<SharedBytes> readFile(const fs::path& location) {
     }
 }
 
-bool writeFileAtomically(const fs::path& location, std::span<const std::byte> bytes) {
-    return writeFileAtomically(location, Parts(&bytes, 1));
+bool replacesFile(const fs::path& location) {
+    std::error_code ignored;
+    return fs::is_regular_file(location, ignored) && !ownDescriptor(location);
 }
 
-bool writeFileAtomically(const fs::path& location, Parts parts) {
-    std::error_code error;
-    const fs::path resolved = fs::canonical(location, error);
-    struct stat status {};
-    if (error || ::stat(resolved.c_str(), &status) != 0) {
-        return replaceFile(location, std::nullopt, parts);
-    }
-    if (S_ISREG(status.st_mode)) {
-        return replaceFile(resolved, status.st_mode & 07777, parts);
-    }
-    return !S_ISDIR(status.st_mode) && writeDirectly(resolved, parts);
+bool writeFileAtomically(const Destination& destination, std::span<const std::byte> bytes) {
+    return writeFile(destination, nullptr, Parts(&bytes, 1));
+}
+
+bool writeContainerAtomically(const Destination& destination, const fs::path& contained,
+                              Parts parts) {
+    return writeFile(destination, &contained, parts);
 }
 
 } // namespace murkwell

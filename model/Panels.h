@@ -5,6 +5,7 @@
 #pragma once
 
 #include "io/ContentType.h"
+#include "io/FileAccess.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -40,8 +41,8 @@ public:
     // Empty when the user cancels.
     [[nodiscard]] virtual std::vector<std::filesystem::path> run(const OpenPanel& panel) = 0;
 
-    // None when the user cancels.
-    [[nodiscard]] virtual std::optional<std::filesystem::path> run(const SavePanel& panel) = 0;
+    // None when the user cancels. May be replaced what the user was asked about, and nothing else.
+    [[nodiscard]] virtual std::optional<Destination> run(const SavePanel& panel) = 0;
 
     // The position of the button that was pressed.
     [[nodiscard]] virtual std::size_t run(const Alert& alert) = 0;

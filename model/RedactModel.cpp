@@ -62,11 +62,11 @@ std::optional<std::string> RedactModel::fileName() const {
     if (!document()) {
         return std::nullopt;
     }
-    return lastPathComponent(document()->url);
+    return shownName(document()->url);
 }
 
 std::optional<std::string> RedactModel::documentTitle() const {
-    return sessionURL() ? lastPathComponent(*sessionURL()) : fileName();
+    return sessionURL() ? shownName(*sessionURL()) : fileName();
 }
 
 } // namespace murkwell

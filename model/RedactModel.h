@@ -167,7 +167,7 @@ private:
 
     void openSource(const std::filesystem::path& url);
     void replaceWork(Work work);
-    void writeSession(const std::filesystem::path& url);
+    void writeSession(const Destination& destination);
     [[nodiscard]] std::string defaultSessionName() const;
     [[nodiscard]] bool confirmPDFFlattenIfNeeded();
     // Files that are there already and must not be replaced by an export or a saved document.

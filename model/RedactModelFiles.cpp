@@ -75,17 +75,21 @@ void RedactModel::open(const std::vector<fs::path>& files) {
     openSource(*source);
 }
 
-// The file is read a second time for its bytes. If it has gone meanwhile, the document opens all
-// the same, but cannot be saved.
+// The file is read once: what is saved later is what was shown, whatever becomes of the file.
 void RedactModel::openSource(const fs::path& url) {
-    auto result = DocumentIO::load(url, services.documents);
+    auto file = readFile(url);
+    if (!file) {
+        fail(couldNotOpen, url);
+        return;
+    }
+    auto result = DocumentIO::load(file->bytes(), url, services.documents);
     auto* const loaded = std::get_if<DocumentIO::Document>(&result);
     if (loaded == nullptr) {
         fail(couldNotOpen, url);
         return;
     }
     const PageLists empty(loaded->pages.size());
-    replaceWork({std::move(*loaded), empty, readFile(url), lastPathComponent(url), std::nullopt});
+    replaceWork({std::move(*loaded), empty, std::move(file), lastPathComponent(url), std::nullopt});
 }
 
 void RedactModel::openPanel() {
@@ -96,8 +100,6 @@ void RedactModel::openPanel() {
     open(services.panels.run(panel));
 }
 
-// The stored name is only ever joined to the folder as a name: one that was made to lead elsewhere
-// must not decide where an export is proposed.
 void RedactModel::openSession(const fs::path& url) {
     const auto file = readFile(url);
     auto saved = file ? decode(*file) : std::nullopt;
@@ -105,7 +107,7 @@ void RedactModel::openSession(const fs::path& url) {
         fail(couldNotOpen, url);
         return;
     }
-    const fs::path nominal = url.parent_path() / lastPathComponent(saved->sourceFilename);
+    const fs::path nominal = nominalURL(*saved, url);
     auto result = DocumentIO::load(saved->sourceData.bytes(), nominal, services.documents);
     auto* const loaded = std::get_if<DocumentIO::Document>(&result);
     // Boxes whose pages are not there would come to lie on others and leave theirs bare.
@@ -171,14 +173,17 @@ std::string RedactModel::defaultSessionName() const {
     return base + "." + std::string(*DocumentIO::sessionType().preferredFilenameExtension());
 }
 
-void RedactModel::writeSession(const fs::path& url) {
+void RedactModel::writeSession(const Destination& destination) {
     if (!sourceData || !sourceFilename) {
         errorMessage = localized("Nothing to save.");
         return;
     }
     const auto encoded = encode({MurkwellDocument::currentVersion, *sourceFilename, *sourceData,
                                  stored(redactionsByPage())});
-    if (isOpenSource(url) || !encoded || !writeFileAtomically(url, encoded->parts())) {
+    const fs::path& url = destination.location;
+    const fs::path& contained = sessionURL() ? *sessionURL() : document()->url;
+    if (isOpenSource(url) || !encoded ||
+        !writeContainerAtomically(destination, contained, encoded->parts())) {
         fail(couldNotWrite, url);
         return;
     }
@@ -228,13 +233,14 @@ void RedactModel::exportDocument() {
         errorMessage = obstacle;
         return;
     }
-    if (isOpenSession(*chosen) || !DocumentIO::write(*document(), redactionsByPage().toVector(),
-                                                     *chosen, services.documents)) {
-        fail(couldNotWrite, *chosen);
+    const fs::path& url = chosen->location;
+    if (isOpenSession(url) || !DocumentIO::write(*document(), redactionsByPage().toVector(),
+                                                 *chosen, services.documents)) {
+        fail(couldNotWrite, url);
         return;
     }
-    lastExportURL = *chosen;
-    succeed(translatable("Redacted %@"), *chosen);
+    lastExportURL = url;
+    succeed(translatable("Redacted %@"), url);
     for (const std::string& remark : remarksOn(*document())) {
         statusMessage = *statusMessage() + " — " + remark;
     }
@@ -264,11 +270,11 @@ void RedactModel::revealLastExport() {
 }
 
 void RedactModel::fail(std::string_view englishFormat, const fs::path& file) {
-    errorMessage = localized(englishFormat, {lastPathComponent(file)});
+    errorMessage = localized(englishFormat, {shownName(file)});
 }
 
 void RedactModel::succeed(std::string_view englishFormat, const fs::path& file) {
-    statusMessage = localized(englishFormat, {lastPathComponent(file)});
+    statusMessage = localized(englishFormat, {shownName(file)});
     errorMessage = std::nullopt;
 }
 

@@ -110,8 +110,8 @@ bool mayReplace(const fs::path& file) {
     QMessageBox box(frontWindow());
     box.setIcon(QMessageBox::Warning);
     box.setTextFormat(Qt::PlainText);
-    box.setText(text(
-        localized("“%@” is there already. Do you want to replace it?", {lastPathComponent(file)})));
+    box.setText(
+        text(localized("“%@” is there already. Do you want to replace it?", {shownName(file)})));
     auto* const replace = box.addButton(buttonText(localized("Replace")), QMessageBox::AcceptRole);
     box.setDefaultButton(box.addButton(buttonText(localized("Cancel")), QMessageBox::RejectRole));
     box.exec();
@@ -134,7 +134,7 @@ std::vector<fs::path> PanelsQt::run(const OpenPanel& panel) {
     return chosen ? std::vector{*chosen} : std::vector<fs::path>{};
 }
 
-std::optional<fs::path> PanelsQt::run(const SavePanel& panel) {
+std::optional<Destination> PanelsQt::run(const SavePanel& panel) {
     fs::path proposed = panel.folder / panel.proposedName;
     for (;;) {
         const auto chosen =
@@ -144,9 +144,10 @@ std::optional<fs::path> PanelsQt::run(const SavePanel& panel) {
         }
         proposed = withExtensionOf(panel.allowedType, *chosen);
         std::error_code ignored;
+        const bool isThere = fs::exists(proposed, ignored);
         // What the dialog has seen under this name it has asked about itself.
-        if (proposed == *chosen || !fs::exists(proposed, ignored) || mayReplace(proposed)) {
-            return proposed;
+        if (proposed == *chosen || !isThere || mayReplace(proposed)) {
+            return Destination(proposed, isThere);
         }
     }
 }

@@ -15,7 +15,7 @@ public:
 
     // The file always has an extension of the allowed type: where the user gave another, or none,
     // the preferred one is added.
-    [[nodiscard]] std::optional<std::filesystem::path> run(const SavePanel& panel) override;
+    [[nodiscard]] std::optional<Destination> run(const SavePanel& panel) override;
 
     [[nodiscard]] std::size_t run(const Alert& alert) override;
 };

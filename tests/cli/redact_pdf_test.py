@@ -89,7 +89,8 @@ class RedactPdf(TestInFolder):
         self.redact(self.source, "--box", f"1:{self.BOX}")
         self.assertEqual((self.source.read_bytes(), self.source.stat().st_mtime_ns), before)
         result = murkwell("redact", self.source, "--box", f"1:{self.BOX}", "-o", self.source, "--force")
-        self.assertEqual((result.returncode, result.stderr), (1, "Couldn’t write to “letter.pdf”.\n"))
+        self.assertEqual(result.returncode, 1)
+        self.assertTrue(result.stderr.startswith("Couldn’t write to “letter.pdf”. It is one of the sources"))
         self.assertEqual((self.source.read_bytes(), self.source.stat().st_mtime_ns), before)
 
 

@@ -23,6 +23,10 @@ class WrongUsage(unittest.TestCase):
                 ["redact", "a.pdf", "b.pdf", *BOX, "-o", "c.pdf"],
                 ["redact", "a.pdf", *BOX, "-o", "c.pdf", "--out-dir", "d"],
                 ["redact", "a.pdf", *BOX, "--style", "Noise"],
+                ["redact", "a.pdf", *BOX, "--save", "work.pdf"],
+                *(["redact", "a.pdf", *BOX, option, ""]
+                  for option in ("--find", "-o", "--out-dir", "--save")),
+                *(["scan", "a.pdf", "--find", text] for text in ("", " \t", "\u2003", "\udce9")),
                 *(["redact", "a.pdf", "--box", box] for box in (
                     "", "1", "1:", "0:0,0,1,1", "-1:0,0,1,1", "x:0,0,1,1", "1:0,0,1", "1:0,0,1,1,1",
                     "1:0,0,1,1:", "1:0,0,1,1:blur", "1:0,0,1,1:NOISE", "1:0,0,nan,1", "1:0,0,inf,1",
@@ -67,24 +71,6 @@ class Files(TestInFolder):
         self.assertEqual([json.loads(line) for line in result.stdout.splitlines()],
                          [{"file": str(self.source), "output": str(self.folder / "a-redacted.pdf"),
                            "redactions": 1}])
-
-    def test_an_existing_file_is_replaced_only_when_forced(self):
-        output = self.write("out.pdf", b"precious")
-        result = murkwell("redact", self.source, *BOX, "-o", output)
-        self.assertEqual(result.returncode, 1)
-        self.assertTrue(result.stderr.startswith("Couldn’t write to “out.pdf”."))
-        self.assertEqual(output.read_bytes(), b"precious")
-        self.redact(self.source, *BOX, "-o", output, "--force")
-        self.assertNotEqual(output.read_bytes(), b"precious")
-
-    def test_two_sources_never_end_in_one_file(self):
-        (self.folder / "more").mkdir()
-        (self.folder / "out").mkdir()
-        twin = self.write("more/a.pdf", documents.letter(1))
-        result = murkwell("redact", self.source, twin, *BOX, "--out-dir", self.folder / "out", "--force")
-        self.assertEqual(result.returncode, 1)
-        pages = json.loads(murkwell("info", self.folder / "out/a-redacted.pdf").stdout)["pages"]
-        self.assertEqual(len(pages), 2)
 
     def test_places_that_cannot_be_written(self):
         (self.folder / "folder.pdf").mkdir()

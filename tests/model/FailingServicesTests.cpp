@@ -87,7 +87,7 @@ public:
     std::vector<fs::path> run(const OpenPanel& panel) override {
         return plan.failsNow() ? std::vector<fs::path>{} : inner.run(panel);
     }
-    std::optional<fs::path> run(const SavePanel& panel) override {
+    std::optional<Destination> run(const SavePanel& panel) override {
         return plan.failsNow() ? std::nullopt : inner.run(panel);
     }
     std::size_t run(const Alert& alert) override {

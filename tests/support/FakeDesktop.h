@@ -18,7 +18,7 @@ public:
         whileUp();
         return opened;
     }
-    std::optional<std::filesystem::path> run(const SavePanel& panel) override {
+    std::optional<Destination> run(const SavePanel& panel) override {
         savePanels.push_back(panel);
         whileUp();
         return saved;

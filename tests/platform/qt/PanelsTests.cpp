@@ -36,7 +36,7 @@ struct PanelsTest : testing::Test {
         panel.allowedTypes.push_back(ContentType::pdf);
         return panels.run(panel);
     }
-    std::optional<std::filesystem::path> runSavePanel() {
+    std::optional<Destination> runSavePanel() {
         return panels.run(SavePanel{ContentType::pdf, "scan-redacted.pdf", folder.path});
     }
 
@@ -87,7 +87,7 @@ TEST_F(PanelsTest, SaveProposesNameAndFolder) {
         EXPECT_EQ(toPath(dialog.directory().path()), folder.path);
         accept(dialog);
     });
-    EXPECT_EQ(runSavePanel(), folder / "scan-redacted.pdf");
+    EXPECT_EQ(runSavePanel(), Destination(folder / "scan-redacted.pdf", false));
 }
 
 TEST_F(PanelsTest, SaveStartsAboveAFolderThatHasGone) {
@@ -117,7 +117,8 @@ TEST_F(PanelsTest, SavedFilesHaveAnExtensionOfTheirType) {
             type(dialog, folder / c.typed);
             accept(dialog);
         });
-        EXPECT_EQ(panels.run(SavePanel{c.type, "proposed", folder.path}), folder / c.saved)
+        EXPECT_EQ(panels.run(SavePanel{c.type, "proposed", folder.path}),
+                  Destination(folder / c.saved, false))
             << c.typed;
     }
 }
@@ -150,7 +151,7 @@ TEST_F(PanelsTest, ReplacingAFileIsAskedForUnderTheNameThatIsWritten) {
 
     chooses("letter");
     answers(QMessageBox::AcceptRole);
-    EXPECT_EQ(runSavePanel(), folder / "letter.pdf");
+    EXPECT_EQ(runSavePanel(), Destination(folder / "letter.pdf", true));
 }
 
 TEST_F(PanelsTest, FileOfTheChosenNameIsNotReplacedUnasked) {
