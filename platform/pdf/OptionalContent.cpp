@@ -41,6 +41,7 @@ OptionalContent::OptionalContent(fz_context* context, pdf_document* document) {
     if (!isRead) {
         return;
     }
+    hasGroups = !groups.empty();
     for (const int group : groups) {
         const bool isOn = !hiddenAtFirst || std::ranges::binary_search(on, group);
         if (!isOn || std::ranges::binary_search(off, group)) {
@@ -50,7 +51,7 @@ OptionalContent::OptionalContent(fz_context* context, pdf_document* document) {
 }
 
 bool OptionalContent::hides(fz_context* context, pdf_obj* content) const {
-    if (hidesNothing() || content == nullptr) {
+    if (isNone() || content == nullptr) {
         return false;
     }
     if (pdf_name_eq(context, pdf_dict_get(context, content, PDF_NAME(Type)), PDF_NAME(OCMD)) == 0) {

@@ -15,7 +15,8 @@ public:
     // An unreadable configuration hides nothing.
     OptionalContent(fz_context* context, pdf_document* document);
 
-    [[nodiscard]] bool hidesNothing() const { return hiddenGroups.empty(); }
+    // Whether nothing is optional. Where all groups are shown, some content may be hidden by that.
+    [[nodiscard]] bool isNone() const { return !hasGroups; }
 
     // `content` is a group, a membership dictionary or null. May longjmp out.
     [[nodiscard]] bool hides(fz_context* context, pdf_obj* content) const;
@@ -25,6 +26,7 @@ private:
     [[nodiscard]] bool hidesMembers(fz_context* context, pdf_obj* membership) const;
     [[nodiscard]] bool holds(fz_context* context, pdf_obj* expression, int depth) const;
 
+    bool hasGroups = false;
     std::vector<int> hiddenGroups; // object numbers, ascending
 };
 

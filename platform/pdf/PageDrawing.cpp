@@ -102,14 +102,14 @@ PageDrawing drawMended(fz_context* context, pdf_page* page, const OptionalConten
     if (!mending.mend(page)) {
         return PageDrawing::Failed;
     }
-    cookie.errors = 0;
+    const int errorsBefore = cookie.errors;
     PageProcessor processor(context, optionalContent, PageProcessor::Errors::SkipOperator);
     const bool isDrawn =
         Pass(context, page, optionalContent, processor, cookie).draw(pixmap, transform);
     if (cookie.abort != 0 || (!isDrawn && ranOut(context))) {
         return PageDrawing::Failed;
     }
-    const bool isWhole = isDrawn && cookie.errors == 0 && !mending.hasTakenOut() &&
+    const bool isWhole = isDrawn && cookie.errors == errorsBefore && !mending.hasTakenOut() &&
                          !processor.hasSkipped() && !processor.hasGivenUp();
     return isWhole ? PageDrawing::Whole : PageDrawing::Incomplete;
 }

@@ -10,10 +10,6 @@ namespace murkwell {
 // The functions that MuPDF's interpreter calls instead of the processor's own. MuPDF may longjmp
 // through all of them.
 struct PageOperators {
-    static PageProcessor& owner(fz_context* context) {
-        return *static_cast<PageProcessor*>(fz_user_context(context));
-    }
-
     // An operator that does as before, except for how it fails.
     template <auto Operator>
     struct Guarded;
@@ -22,7 +18,7 @@ struct PageOperators {
               void (*pdf_processor::*Operator)(fz_context*, pdf_processor*, Arguments...)>
     struct Guarded<Operator> {
         static void call(fz_context* context, pdf_processor* processor, Arguments... arguments) {
-            PageProcessor& self = owner(context);
+            PageProcessor& self = PageProcessor::of(context);
             self.run(processor,
                      [&] { (self.original.*Operator)(context, processor, arguments...); });
         }
@@ -31,24 +27,24 @@ struct PageOperators {
     // The optional content that the interpreter counts in `hidden` is ours: it is told nothing of
     // what is hidden, but counts on from what it finds.
     static void beginMarked(fz_context* context, pdf_processor* processor, const char*) {
-        owner(context).openMarkedContent(processor, false);
+        PageProcessor::of(context).openMarkedContent(processor, false);
     }
 
     static void beginProperties(fz_context* context, pdf_processor* processor, const char* tag,
                                 pdf_obj*, pdf_obj* properties) {
-        PageProcessor& self = owner(context);
+        PageProcessor& self = PageProcessor::of(context);
         const bool isOptional = tag != nullptr && std::string_view(tag) == "OC";
         self.openMarkedContent(processor,
                                isOptional && self.optionalContent.hides(context, properties));
     }
 
     static void endMarked(fz_context* context, pdf_processor* processor) {
-        owner(context).closeMarkedContent(processor);
+        PageProcessor::of(context).closeMarkedContent(processor);
     }
 
     static void form(fz_context* context, pdf_processor* processor, const char* name, pdf_obj* form,
                      pdf_obj* resources) {
-        PageProcessor& self = owner(context);
+        PageProcessor& self = PageProcessor::of(context);
         self.run(processor, [&] {
             self.leaveOutHidden(pdf_xobject_resources(context, form));
             self.original.op_Do_form(context, processor, name, form, resources);
@@ -57,7 +53,7 @@ struct PageOperators {
 
     static void graphicsState(fz_context* context, pdf_processor* processor, const char* name,
                               pdf_obj* state) {
-        PageProcessor& self = owner(context);
+        PageProcessor& self = PageProcessor::of(context);
         self.run(processor, [&] {
             self.skipped =
                 !mendSoftMask(context, state) || hasTransfer(context, state) || self.skipped;
@@ -67,7 +63,7 @@ struct PageOperators {
 
     static void softMask(fz_context* context, pdf_processor* processor, pdf_obj* form,
                          pdf_obj* resources, float* backdrop, int luminosity) {
-        PageProcessor& self = owner(context);
+        PageProcessor& self = PageProcessor::of(context);
         self.run(processor, [&] {
             self.leaveOutHidden(pdf_xobject_resources(context, form));
             self.original.op_gs_SMask(context, processor, form, resources, backdrop, luminosity);
@@ -77,7 +73,7 @@ struct PageOperators {
     template <auto Operator>
     static void pattern(fz_context* context, pdf_processor* processor, const char* name,
                         pdf_pattern* pattern, int count, float* color) {
-        PageProcessor& self = owner(context);
+        PageProcessor& self = PageProcessor::of(context);
         self.run(processor, [&] {
             self.leaveOutHidden(pattern->resources);
             (self.original.*Operator)(context, processor, name, pattern, count, color);
@@ -89,14 +85,10 @@ struct PageOperators {
     template <typename Paint>
     static void image(fz_context* context, pdf_processor* processor, fz_image* image,
                       Paint&& paint) {
-        PageProcessor& self = owner(context);
+        PageProcessor& self = PageProcessor::of(context);
         self.run(processor, [&] {
-            if (image->mask != nullptr && !self.isDecodable(image->mask, true)) {
-                fz_drop_image(context, image->mask);
-                image->mask = nullptr;
-            }
             if (self.isDecodable(image, false)) {
-                paint(self.original);
+                self.paintMasked(image, [&] { paint(self.original); });
                 return;
             }
             self.original.op_q(context, processor);
@@ -183,11 +175,12 @@ pdf_processor* PageProcessor::make(fz_device* device, fz_matrix transform, pdf_o
         pdf_new_run_processor(context, device, transform, nullptr, nullptr, colorspaces, cookie);
     original = *processor;
     PageOperators::install(processor);
-    if (errors == Errors::SkipOperator || !optionalContent.hidesNothing()) {
+    if (errors == Errors::SkipOperator || !optionalContent.isNone()) {
         PageOperators::guardDrawing(processor);
     }
     if (errors == Errors::SkipOperator) {
         PageOperators::checkImages(processor);
+        guardPainting(device);
     }
     return processor;
 }
@@ -216,7 +209,7 @@ void PageProcessor::closeMarkedContent(pdf_processor* processor) {
 // An image's optional content is looked at before any function of ours is called, so hidden ones
 // give way to something that is not drawn.
 void PageProcessor::leaveOutHidden(pdf_obj* resources) {
-    if (optionalContent.hidesNothing()) {
+    if (optionalContent.isNone()) {
         return;
     }
     pdf_obj* const objects = pdf_dict_get(context, resources, PDF_NAME(XObject));
@@ -228,6 +221,20 @@ void PageProcessor::leaveOutHidden(pdf_obj* resources) {
                 pdf_dict_put_dict(context, objects, pdf_dict_get_key(context, objects, i), 1);
             pdf_dict_put_name(context, nothing, PDF_NAME(Subtype), "PS");
         }
+    }
+}
+
+// Without a mask that is broken.
+template <typename Paint>
+void PageProcessor::paintMasked(fz_image* image, Paint&& paint) {
+    fz_image* const mask = image->mask;
+    if (mask != nullptr && !isDecodable(mask, true)) {
+        image->mask = nullptr;
+    }
+    const bool isPainted = attempt(context, paint);
+    image->mask = mask;
+    if (!isPainted) {
+        fz_rethrow(context);
     }
 }
 
@@ -253,8 +260,13 @@ bool PageProcessor::isDecodable(fz_image* image, bool toTheEnd) {
 void PageProcessor::noteWarning(void* self, const char* message) {
     const std::string_view text = message;
     auto& processor = *static_cast<PageProcessor*>(self);
-    processor.givenUp = processor.givenUp || text.starts_with("too many syntax errors") ||
-                        text == "padding truncated image";
+    if (text.starts_with("too many syntax errors") || text == "padding truncated image") {
+        processor.givenUp = true;
+    }
+    if (text.starts_with("Type3 glyph load failed") || text.starts_with("cannot render glyph") ||
+        text.starts_with("cannot load content stream part") || text.starts_with("read error")) {
+        processor.skipped = true;
+    }
 }
 
 template <typename Call>
@@ -264,11 +276,8 @@ void PageProcessor::run(pdf_processor* processor, Call&& call) {
     markedContent.outermost = before.depth;
     if (errors == Errors::EndThePage) {
         call();
-    } else if (!attempt(context, call)) {
-        if (ranOut(context)) {
-            fz_rethrow(context);
-        }
-        skipped = true;
+    } else {
+        skipFailed(call);
     }
     markedContent = before;
     processor->hidden = hidden;

@@ -38,6 +38,11 @@ public:
 
 private:
     friend struct PageOperators;
+    friend struct PagePainting;
+
+    static PageProcessor& of(fz_context* context) {
+        return *static_cast<PageProcessor*>(fz_user_context(context));
+    }
 
     // Depths of BMC and BDC without their EMC. Content streams do not close what others opened.
     struct MarkedContent {
@@ -49,6 +54,8 @@ private:
     void openMarkedContent(pdf_processor* processor, bool hidesContent);
     void closeMarkedContent(pdf_processor* processor);
     void leaveOutHidden(pdf_obj* resources);
+    template <typename Paint>
+    void paintMasked(fz_image* image, Paint&& paint);
     [[nodiscard]] bool isDecodable(fz_image* image, bool toTheEnd);
     static void noteWarning(void* self, const char* message);
 
@@ -56,10 +63,25 @@ private:
     template <typename Call>
     void run(pdf_processor* processor, Call&& call);
 
+    void guardPainting(fz_device* device);
+
+    // Only errors of memory get out.
+    template <typename Call>
+    void skipFailed(Call&& call) {
+        if (!attempt(context, call)) {
+            if (ranOut(context)) {
+                fz_rethrow(context);
+            }
+            skipped = true;
+        }
+    }
+
     fz_context* context;
     const OptionalContent& optionalContent;
     Errors errors;
-    pdf_processor original{}; // MuPDF's functions
+    pdf_processor original{};     // MuPDF's functions
+    fz_device painter{};          // and those of the device
+    fz_device* guarded = nullptr; // the device that calls ours
     MarkedContent markedContent;
     bool skipped = false;
     bool givenUp = false;

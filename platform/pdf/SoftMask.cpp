@@ -14,6 +14,9 @@ constexpr const char* everywhere = "-100000 -100000 200000 200000 re f\n";
 // How far a transfer function may be from a straight line: an 8-bit mask cannot tell.
 constexpr float straightness = 1 / 256.0F;
 
+// In a soft mask that was mended: for the next time.
+constexpr const char* approximated = "MurkwellApproximated";
+
 // From 0 to 1 in the mask.
 struct Line {
     float atZero;
@@ -151,6 +154,9 @@ bool mendSoftMask(fz_context* context, pdf_obj* graphicsState) {
         pdf_dict_del(context, graphicsState, PDF_NAME(SMask));
         return true;
     }
+    if (pdf_dict_gets(context, mask, approximated) != nullptr) {
+        return false;
+    }
     pdf_obj* const transfer = pdf_dict_get(context, mask, PDF_NAME(TR));
     if (transfer == nullptr || pdf_is_name(context, transfer) != 0) {
         return true;
@@ -164,6 +170,9 @@ bool mendSoftMask(fz_context* context, pdf_obj* graphicsState) {
     pdf_obj* const mended = pdf_dict_put_dict(context, graphicsState, PDF_NAME(SMask), 2);
     pdf_dict_put(context, mended, PDF_NAME(S), PDF_NAME(Luminosity));
     pdf_dict_put_drop(context, mended, PDF_NAME(G), group);
+    if (!line->isExact) {
+        pdf_dict_puts(context, mended, approximated, PDF_TRUE);
+    }
     return line->isExact;
 }
 

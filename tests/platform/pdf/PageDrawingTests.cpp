@@ -56,10 +56,9 @@ std::vector<std::byte> built(const Case& c) {
         builder.add(object);
     }
     const int content = builder.addStream(c.content);
-    const int page = builder.add(
-        "<< /Type /Page /MediaBox [0 0 50 30] /Contents " + PdfBuilder::ref(content) +
-        " /Resources << /Font << /F << /Type /Font /Subtype /Type1 /BaseFont /Helvetica >> >> " +
-        c.resources + " >> " + c.page + " >>");
+    const int page =
+        builder.add("<< /Type /Page /MediaBox [0 0 50 30] /Contents " + PdfBuilder::ref(content) +
+                    " /Resources << " + c.resources + " >> " + c.page + " >>");
     const int tree =
         builder.add("<< /Type /Pages /Count 1 /Kids [" + PdfBuilder::ref(page) + "] >>");
     return builder.finish(
@@ -138,6 +137,13 @@ TEST(PageDrawing, GoesOnAfterWhatCannotBeDrawn) {
          secret + drawsImage,
          "/XObject << /I 1 0 R >>",
          {image(grey + "/SMask 2 0 R", std::string(64, '\0')), image(grey, "abcd")}},
+        {"a broken image in a glyph",
+         secret + "BT /T 1 Tf (A) Tj ET " + cover,
+         "/Font << /T 1 0 R >>",
+         {"<< /Type /Font /Subtype /Type3 /FontBBox [0 0 9 9] /FontMatrix [1 0 0 1 0 0] "
+          "/FirstChar 65 /LastChar 65 /Widths [9] /Encoding << /Differences [65 /A] >> "
+          "/CharProcs << /A 2 0 R >> /Resources << /XObject << /I 3 0 R >> >> >>",
+          stream("", "9 0 d0 /I Do"), noImage}},
         {"an image that ends early",
          secret + drawsImage,
          "/XObject << /I 1 0 R >>",
@@ -173,7 +179,10 @@ TEST(PageDrawing, OptionalContent) {
     const auto withGroups = [](const std::string& what, const std::string& content, bool shows,
                                const std::vector<std::string>& more = {},
                                const std::string& resources = "") {
-        Case c{what, content, "/Properties << /A 1 0 R /B 2 0 R /M 3 0 R >> " + resources};
+        Case c{what, content,
+               "/Font << /F << /Type /Font /Subtype /Type1 /BaseFont /Helvetica >> >> "
+               "/Properties << /A 1 0 R /B 2 0 R /M 3 0 R >> " +
+                   resources};
         c.objects = {"<< /Type /OCG /Name (A) /Usage << /View << /ViewState /ON >> >> >>",
                      "<< /Type /OCG /Name (B) /Usage << /View << /ViewState /OFF >> >> "
                      "/Intent /Design >>"};
@@ -186,7 +195,10 @@ TEST(PageDrawing, OptionalContent) {
         return withGroups(entries, "/OC /M BDC " + secret + "EMC", shows,
                           {"<< /Type /OCMD " + entries + " >>"});
     };
+    Case allShown = inMembership("/OCGs [2 0 R] /P /AllOff", false);
+    allShown.catalog = "/OCProperties << /OCGs [1 0 R 2 0 R] /D << >> >>";
     check({
+        allShown,
         withGroups("hidden, whatever its use", "/OC /A BDC " + secret + "EMC", false),
         withGroups("shown, whatever its use and intent", "/OC /B BDC " + secret + "EMC", true),
         withGroups("a hidden part of a text object",
