@@ -60,6 +60,18 @@ void showWholeMediaBox(fz_context* context, pdf_obj* page, const PageGeometry& g
     pdf_dict_del(context, page, PDF_NAME(UserUnit));
 }
 
+// An annotation that stands in the page's list itself becomes an object of its own: MuPDF would not
+// find again how it has made one look.
+void takeOutAnnotations(fz_context* context, pdf_document* document, pdf_obj* page) {
+    pdf_obj* const list = pdf_dict_get(context, page, PDF_NAME(Annots));
+    for (int i = 0; i < pdf_array_len(context, list); ++i) {
+        pdf_obj* const annotation = pdf_array_get(context, list, i);
+        if (pdf_is_indirect(context, annotation) == 0 && pdf_is_dict(context, annotation) != 0) {
+            pdf_array_put_drop(context, list, i, pdf_add_object(context, document, annotation));
+        }
+    }
+}
+
 void repair(fz_context* context, pdf_document* document) {
     pdf_repair_xref(context, document);
     pdf_repair_obj_stms(context, document);
@@ -189,6 +201,7 @@ private:
             pdf_obj* const object = pdf_lookup_page_obj(fz, document, index);
             geometry = geometryOf(fz, object);
             showWholeMediaBox(fz, object, geometry);
+            takeOutAnnotations(fz, document, object);
             page = pdf_load_page(fz, document, index);
         });
         DrawnPage drawn{End::drawn, {}};

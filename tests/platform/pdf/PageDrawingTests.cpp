@@ -288,5 +288,38 @@ TEST(PageDrawing, Annotations) {
            covered("/Subtype /Square /AP << /N << /On 2 0 R >> >>"), hidden, order});
 }
 
+// Most annotations do not say how they look, and every viewer knows.
+TEST(PageDrawing, AnnotationsWithoutAnAppearance) {
+    const auto drawn = [](const std::string& annotation) {
+        Case c{annotation, "", "", {"<< /Type /Annot /C [1 0 0] " + annotation + " >>"}};
+        c.page = "/Annots [1 0 R]";
+        c.shows = true;
+        return c;
+    };
+    const auto covering = [&](const std::string& annotation) {
+        Case c = drawn(annotation);
+        c.content = secret;
+        c.shows = false;
+        return c;
+    };
+    Case field = drawn("/Subtype /Widget /FT /Tx /T (g) /V (MMM) /F 4 /Rect [0 0 50 30] "
+                       "/DA (/F 20 Tf 1 0 0 rg)");
+    field.catalog = "/AcroForm << /Fields [1 0 R] /NeedAppearances true /DA (/F 20 Tf 1 0 0 rg) "
+                    "/DR << /Font << /F << /Type /Font /Subtype /Type1 /BaseFont /Helvetica >> "
+                    ">> >> >>";
+    check({field, covering("/Subtype /Square /Rect [-5 -5 15 15] /IC [0 0 0] /C [0 0 0]"),
+           covering("/Subtype /Circle /Rect [-9 -9 19 19] /IC [0 0 0] /C [0 0 0]"),
+           covering("/Subtype /Ink /Rect [0 0 20 20] /C [0 0 0] /BS << /W 20 >> "
+                    "/InkList [[0 5 10 5]]"),
+           covering("/Subtype /Line /Rect [0 0 20 20] /C [0 0 0] /BS << /W 20 >> /L [-9 5 19 5]"),
+           drawn("/Subtype /Square /Rect [5 5 45 25]"),
+           drawn("/Subtype /FreeText /Rect [0 0 50 30] /Contents (MMM) "
+                 "/DA (/Helv 20 Tf 1 0 0 rg)"),
+           drawn("/Subtype /Highlight /Rect [5 5 45 25] /QuadPoints [5 25 45 25 5 5 45 5]"),
+           drawn("/Subtype /Underline /Rect [5 5 45 25] /QuadPoints [5 25 45 25 5 5 45 5] "
+                 "/BS << /W 4 >>"),
+           drawn("/Subtype /Polygon /Rect [5 5 45 25] /Vertices [5 5 45 5 25 25] /IC [1 0 0]")});
+}
+
 } // namespace
 } // namespace murkwell

@@ -158,6 +158,13 @@ TEST(PdfRendererMuPdf, DrawsAnnotationsAsAViewerDoes) {
     constexpr const char* hidden = "2";
     EXPECT_EQ(inked(*render(withAnnotation(printed))->front()), "40,20,20,20");
     EXPECT_EQ(inked(*render(withAnnotation(hidden))->front()), "");
+    // One that does not say how it looks, on every page.
+    const std::string page = "/MediaBox [0 0 50 30] /Annots [<< /Type /Annot /Subtype /Square "
+                             "/Rect [20 10 30 20] /IC [1 0 0] /C [1 0 0] >>]";
+    const auto pages = render(PdfBuilder::document({page, page, page}), 1);
+    for (const BitmapRef& drawn : *pages) {
+        EXPECT_EQ(inked(*drawn), "40,20,20,20");
+    }
 }
 
 TEST(PdfRendererMuPdf, KeepsTheOrderOfManyPagesRenderedInParallel) {
