@@ -132,18 +132,25 @@ void addPage(fz_context* context, pdf_document* document, pdf_obj* parent, const
 
 // An empty tree node; the caller owns a reference.
 pdf_obj* makeNode(fz_context* context, pdf_document* document) {
-    pdf_obj* const node = pdf_add_new_dict(context, document, 4);
-    pdf_dict_put(context, node, PDF_NAME(Type), PDF_NAME(Pages));
-    pdf_dict_put_array(context, node, PDF_NAME(Kids), 1);
-    pdf_dict_put_int(context, node, PDF_NAME(Count), 0);
+    pdf_obj* node = nullptr;
+    const bool isMade = attempt(context, [&] {
+        node = pdf_add_new_dict(context, document, 4);
+        pdf_dict_put(context, node, PDF_NAME(Type), PDF_NAME(Pages));
+        pdf_dict_put_array(context, node, PDF_NAME(Kids), 1);
+        pdf_dict_put_int(context, node, PDF_NAME(Count), 0);
+    });
+    if (!isMade) {
+        pdf_drop_obj(context, node);
+        fz_rethrow(context);
+    }
     return node;
 }
 
 // An empty node under the root; the tree owns it.
 pdf_obj* addNode(fz_context* context, pdf_document* document, pdf_obj* root) {
     pdf_obj* const node = makeNode(context, document);
-    pdf_dict_put(context, node, PDF_NAME(Parent), root);
     pdf_array_push_drop(context, pdf_dict_get(context, root, PDF_NAME(Kids)), node);
+    pdf_dict_put(context, node, PDF_NAME(Parent), root);
     return node;
 }
 

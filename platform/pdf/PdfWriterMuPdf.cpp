@@ -76,39 +76,55 @@ void putFilters(fz_context* context, pdf_obj* dictionary, const PageImage& image
 
 // The image object; the caller owns a reference.
 pdf_obj* addImage(fz_context* context, pdf_document* document, const PageImage& image) {
-    pdf_obj* const dictionary = pdf_new_dict(context, document, 8);
-    pdf_dict_put(context, dictionary, PDF_NAME(Type), PDF_NAME(XObject));
-    pdf_dict_put(context, dictionary, PDF_NAME(Subtype), PDF_NAME(Image));
-    pdf_dict_put_int(context, dictionary, PDF_NAME(Width), image.width);
-    pdf_dict_put_int(context, dictionary, PDF_NAME(Height), image.height);
-    pdf_dict_put_int(context, dictionary, PDF_NAME(BitsPerComponent), image.bitsPerComponent);
-    putColorSpace(context, dictionary, image);
-    putFilters(context, dictionary, image);
-    fz_buffer* const data = fz_new_buffer_from_shared_data(
-        context, unsignedBytes(image.data.data()), image.data.size());
-    constexpr int alreadyCompressed = 1;
-    pdf_obj* const object = pdf_add_stream(context, document, data, dictionary, alreadyCompressed);
+    pdf_obj* dictionary = nullptr;
+    fz_buffer* data = nullptr;
+    pdf_obj* object = nullptr;
+    const bool isAdded = attempt(context, [&] {
+        dictionary = pdf_new_dict(context, document, 8);
+        pdf_dict_put(context, dictionary, PDF_NAME(Type), PDF_NAME(XObject));
+        pdf_dict_put(context, dictionary, PDF_NAME(Subtype), PDF_NAME(Image));
+        pdf_dict_put_int(context, dictionary, PDF_NAME(Width), image.width);
+        pdf_dict_put_int(context, dictionary, PDF_NAME(Height), image.height);
+        pdf_dict_put_int(context, dictionary, PDF_NAME(BitsPerComponent), image.bitsPerComponent);
+        putColorSpace(context, dictionary, image);
+        putFilters(context, dictionary, image);
+        data = fz_new_buffer_from_shared_data(context, unsignedBytes(image.data.data()),
+                                              image.data.size());
+        constexpr int alreadyCompressed = 1;
+        object = pdf_add_stream(context, document, data, dictionary, alreadyCompressed);
+    });
     fz_drop_buffer(context, data);
     pdf_drop_obj(context, dictionary);
+    if (!isAdded) {
+        fz_rethrow(context);
+    }
     return object;
 }
 
 // A page of one point per pixel that shows the image and nothing else.
 void addPage(fz_context* context, pdf_document* document, const PageImage& image) {
-    pdf_obj* const resources = pdf_new_dict(context, document, 1);
-    pdf_obj* const objects = pdf_dict_put_dict(context, resources, PDF_NAME(XObject), 1);
-    pdf_dict_puts_drop(context, objects, "Page", addImage(context, document, image));
-    fz_buffer* const content = fz_new_buffer(context, 64);
-    fz_append_printf(context, content, "%d 0 0 %d 0 0 cm /Page Do", image.width, image.height);
-    const fz_rect mediaBox =
-        fz_make_rect(0, 0, static_cast<float>(image.width), static_cast<float>(image.height));
-    constexpr int upright = 0;
-    pdf_obj* const page = pdf_add_page(context, document, mediaBox, upright, resources, content);
-    constexpr int atTheEnd = -1;
-    pdf_insert_page(context, document, atTheEnd, page);
+    pdf_obj* resources = nullptr;
+    fz_buffer* content = nullptr;
+    pdf_obj* page = nullptr;
+    const bool isAdded = attempt(context, [&] {
+        resources = pdf_new_dict(context, document, 1);
+        pdf_obj* const objects = pdf_dict_put_dict(context, resources, PDF_NAME(XObject), 1);
+        pdf_dict_puts_drop(context, objects, "Page", addImage(context, document, image));
+        content = fz_new_buffer(context, 64);
+        fz_append_printf(context, content, "%d 0 0 %d 0 0 cm /Page Do", image.width, image.height);
+        const fz_rect mediaBox =
+            fz_make_rect(0, 0, static_cast<float>(image.width), static_cast<float>(image.height));
+        constexpr int upright = 0;
+        page = pdf_add_page(context, document, mediaBox, upright, resources, content);
+        constexpr int atTheEnd = -1;
+        pdf_insert_page(context, document, atTheEnd, page);
+    });
     pdf_drop_obj(context, page);
     fz_drop_buffer(context, content);
     pdf_drop_obj(context, resources);
+    if (!isAdded) {
+        fz_rethrow(context);
+    }
 }
 
 void appendBytes(fz_context* context, void* state, const void* data, std::size_t size) {
@@ -130,13 +146,18 @@ std::int64_t byteCount(fz_context*, void* state) {
 void save(fz_context* context, pdf_document* document, Bytes& bytes) {
     fz_output* const output = fz_new_output(context, 0, &bytes, appendBytes, nullptr, nullptr);
     output->tell = byteCount;
-    // Whatever MuPDF would note about the file beyond its pages is not wanted.
-    pdf_dict_del(context, pdf_trailer(context, document), PDF_NAME(Info));
-    pdf_dict_del(context, pdf_trailer(context, document), PDF_NAME(ID));
-    pdf_write_options options = pdf_default_write_options;
-    pdf_write_document(context, document, output, &options);
-    fz_close_output(context, output);
+    const bool isSaved = attempt(context, [&] {
+        // Whatever MuPDF would note about the file beyond its pages is not wanted.
+        pdf_dict_del(context, pdf_trailer(context, document), PDF_NAME(Info));
+        pdf_dict_del(context, pdf_trailer(context, document), PDF_NAME(ID));
+        pdf_write_options options = pdf_default_write_options;
+        pdf_write_document(context, document, output, &options);
+        fz_close_output(context, output);
+    });
     fz_drop_output(context, output);
+    if (!isSaved) {
+        fz_rethrow(context);
+    }
 }
 
 } // namespace
