@@ -1,6 +1,6 @@
 #include "app/CommandLine.h"
 
-#include "platform/qt/FileNames.h"
+#include "io/FileAddress.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,7 +12,7 @@ namespace {
 constexpr int wrongUsage = 2;
 
 std::filesystem::path locationOf(const std::string& argument) {
-    if (const auto file = fileOfAddress(QString::fromStdString(argument))) {
+    if (const auto file = fileOfAddress(argument)) {
         return *file;
     }
     std::error_code failed;
@@ -48,6 +48,9 @@ std::variant<Start, Ending> parseCommandLine(int argc, const char* const* argv) 
         return endingOf(app, error);
     }
     for (const std::string& file : files) {
+        if (isFileAddress(file) && !fileOfAddress(file)) {
+            return Ending{wrongUsage, "“" + file + "” is no file on this machine"};
+        }
         start.files.push_back(locationOf(file));
     }
     return start;

@@ -2,7 +2,7 @@
 
 #include "app/Addresses.h"
 #include "core/Localization.h"
-#include "platform/qt/FileNames.h"
+#include "io/FileAddress.h"
 #include "ui/widgets/Text.h"
 
 #include <QDesktopServices>
@@ -50,7 +50,7 @@ std::string helpAddress(const fs::path& folder, std::span<const std::string> lan
             const fs::path page = folder / name / "index.html";
             std::error_code ignored;
             if (fs::is_regular_file(page, ignored)) {
-                return fileAddress(page).toStdString();
+                return fileAddress(page);
             }
         }
     }

@@ -1,6 +1,6 @@
 #include "app/SingleInstance.h"
 
-#include "platform/qt/FileNames.h"
+#include "io/FileAddress.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -22,7 +22,7 @@ QDBusMessage request(const std::vector<std::filesystem::path>& files,
     if (opens) {
         QStringList addresses;
         for (const auto& file : files) {
-            addresses << fileAddress(file);
+            addresses << QString::fromStdString(fileAddress(file));
         }
         message << addresses;
     }
@@ -73,7 +73,7 @@ void ApplicationAdaptor::Activate(const QVariantMap& platformData) {
 void ApplicationAdaptor::Open(const QStringList& addresses, const QVariantMap& platformData) {
     std::vector<std::filesystem::path> files;
     for (const QString& address : addresses) {
-        if (auto file = fileOfAddress(address)) {
+        if (auto file = fileOfAddress(address.toStdString())) {
             files.push_back(std::move(*file));
         }
     }

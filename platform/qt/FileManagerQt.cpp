@@ -1,5 +1,6 @@
 #include "platform/qt/FileManagerQt.h"
 
+#include "io/FileAddress.h"
 #include "platform/qt/FileNames.h"
 
 #include <QDBusConnection>
@@ -29,7 +30,7 @@ void FileManagerQt::reveal(const std::filesystem::path& file) {
                                                   QStringLiteral("/org/freedesktop/FileManager1"),
                                                   QStringLiteral("org.freedesktop.FileManager1"),
                                                   QStringLiteral("ShowItems"));
-    message << QStringList{fileAddress(absolute)} << QString();
+    message << QStringList{QString::fromStdString(fileAddress(absolute))} << QString();
     auto* const answer =
         new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message));
     QObject::connect(answer, &QDBusPendingCallWatcher::finished, answer,

@@ -1,5 +1,6 @@
 #include "ui/widgets/ContentView.h"
 
+#include "io/FileAddress.h"
 #include "model/RedactModel.h"
 #include "ui/FileOpenInbox.h"
 #include "ui/widgets/AutoDetectPopover.h"
@@ -22,7 +23,6 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QTimer>
-#include <QUrl>
 
 #include <utility>
 
@@ -42,15 +42,9 @@ protected:
     }
 };
 
-// Of the items that have a location of their own on this machine, in their order.
+// The desktop's own bytes, in which names are whole; Qt's addresses would lose some.
 std::vector<std::filesystem::path> localFiles(const QMimeData& items) {
-    std::vector<std::filesystem::path> files;
-    for (const QUrl& url : items.urls()) {
-        if (url.isLocalFile()) {
-            files.emplace_back(url.toLocalFile().toStdString());
-        }
-    }
-    return files;
+    return filesOfAddressList(items.data(QStringLiteral("text/uri-list")).toStdString());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "ui/widgets/ContentView.h"
 
+#include "io/FileAddress.h"
 #include "tests/support/WindowUnderTest.h"
 #include "ui/widgets/PageSidebar.h"
 #include "ui/widgets/StatusLine.h"
@@ -179,10 +180,17 @@ TEST_F(Window, DroppedFilesThatHaveALocationAreOpenedInTheirOrder) {
     EXPECT_TRUE(drop({file("notes.txt"), QUrl("https://example.org/a.pdf"), file("b.pdf")}));
     ASSERT_TRUE(model.document());
     EXPECT_EQ(model.documentTitle(), "b.pdf");
-    EXPECT_FALSE(drop({QUrl("https://example.org/a.pdf")}));
+    EXPECT_FALSE(drop({QUrl("https://example.org/a.pdf"), QUrl("file://otherhost/tmp/a.pdf")}));
     EXPECT_TRUE(drop({file("notes.txt")}));
     EXPECT_EQ(status(), "No supported file found. Drop an image or a PDF.");
     EXPECT_TRUE(model.document()); // as it was
+}
+
+TEST_F(Window, DroppedNamesNeedNotBeUtf8) {
+    const auto name = window.bench.folder.write("latin1-\xe9.png", "content");
+    EXPECT_TRUE(drop({QUrl::fromEncoded(QByteArray::fromStdString(fileAddress(name)))}));
+    ASSERT_TRUE(model.document());
+    EXPECT_EQ(model.document()->url, name);
 }
 
 TEST_F(Window, SavedDocumentComesFirstAmongDroppedFiles) {
