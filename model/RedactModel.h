@@ -11,6 +11,7 @@
 #include "model/PageLists.h"
 #include "model/Published.h"
 #include "model/Services.h"
+#include "model/Turns.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -90,11 +91,16 @@ public:
     void clearCurrentPage();
     void clearDetected(); // on all pages
 
-    // History. A gesture is one step: everything between its begin and its end.
+    // History. An interactive change is one step: everything between its begin and its end.
     void undo();
     void redo();
     void beginInteractiveChange(const std::string& name); // the name in the user's language
     void endInteractiveChange();
+    // A gesture of the pointer, during which file operations wait, as they do during an interactive
+    // change. Undo, redo and another page end it first: they call `finish`, which is to leave the
+    // gesture where it has come to and to call endGesture().
+    void beginGesture(std::function<void()> finish);
+    void endGesture();
     [[nodiscard]] bool canUndo() const { return !undoStack.empty(); }
     [[nodiscard]] bool canRedo() const { return !redoStack.empty(); }
     [[nodiscard]] std::string undoTitle() const;
@@ -104,7 +110,9 @@ public:
     void autoDetect();
     void redactMatches(std::string_view query, bool fuzzy); // UTF-8
 
-    // Files. Work that is open is replaced without a question.
+    // Files. Work that is open is replaced without a question. One at a time: an operation that is
+    // asked for while a panel is up runs when that panel's operation is over. It is dropped if that
+    // could not write its file, as it might take the work away with the message.
     void open(const std::vector<std::filesystem::path>& files);
     void openPanel();
     void openSession(const std::filesystem::path& url);
@@ -154,6 +162,7 @@ private:
     void setStyle(RedactionStyle style, const Uuid& id);
 
     void checkpoint(const std::string& name);
+    void finishGesture();
     void step(std::vector<Snapshot>& from, std::vector<Snapshot>& to);
     [[nodiscard]] Snapshot snapshot(std::string name) const;
     void apply(const Snapshot& snapshot);
@@ -165,8 +174,13 @@ private:
     [[nodiscard]] std::vector<PageMatches>
     withoutDuplicates(const std::vector<PageMatches>& results) const;
 
+    void openFiles(const std::vector<std::filesystem::path>& files);
+    void askAndOpen();
     void openSource(const std::filesystem::path& url);
+    void openSaved(const std::filesystem::path& url);
     void replaceWork(Work work);
+    void askAndSave();
+    void askAndExport();
     void writeSession(const Destination& destination);
     [[nodiscard]] std::string defaultSessionName() const;
     [[nodiscard]] bool confirmPDFFlattenIfNeeded();
@@ -182,11 +196,10 @@ private:
     std::vector<Snapshot> undoStack; // newest last
     std::vector<Snapshot> redoStack; // newest last
     bool interactiveActive = false;
+    std::function<void()> finishOfGesture; // null without one
+    Turns turns;
     std::optional<SharedBytes> sourceData;
     std::optional<std::string> sourceFilename;
-    // Counts the documents that were opened or closed: a flow compares it to learn whether the work
-    // was replaced while a panel was up.
-    std::uint64_t workNumber = 0;
     // Searches hold it weakly: once it is gone, so is the model.
     std::shared_ptr<RedactModel*> liveness = std::make_shared<RedactModel*>(this);
 };

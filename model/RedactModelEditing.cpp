@@ -18,6 +18,7 @@ PageRect clamp(const PageRect& rect) {
 } // namespace
 
 void RedactModel::goToPage(std::int64_t index) {
+    finishGesture();
     if (!image(index)) {
         return;
     }

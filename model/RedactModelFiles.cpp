@@ -58,13 +58,13 @@ PageLists restored(const std::vector<std::vector<StoredRedaction>>& pages, Rando
 
 } // namespace
 
-void RedactModel::open(const std::vector<fs::path>& files) {
+void RedactModel::openFiles(const std::vector<fs::path>& files) {
     if (files.empty()) {
         return;
     }
     const auto session = std::ranges::find_if(files, isSession);
     if (session != files.end()) {
-        openSession(*session);
+        openSaved(*session);
         return;
     }
     const auto source = std::ranges::find_if(files, isSource);
@@ -92,15 +92,15 @@ void RedactModel::openSource(const fs::path& url) {
     replaceWork({std::move(*loaded), empty, std::move(file), lastPathComponent(url), std::nullopt});
 }
 
-void RedactModel::openPanel() {
+void RedactModel::askAndOpen() {
     const auto& images = DocumentIO::imageTypes();
     OpenPanel panel{{images.begin(), images.end()}};
     panel.allowedTypes.push_back(ContentType::pdf);
     panel.allowedTypes.push_back(DocumentIO::sessionType());
-    open(services.panels.run(panel));
+    openFiles(services.panels.run(panel));
 }
 
-void RedactModel::openSession(const fs::path& url) {
+void RedactModel::openSaved(const fs::path& url) {
     const auto file = readFile(url);
     auto saved = file ? decode(*file) : std::nullopt;
     if (!saved) {
@@ -120,12 +120,7 @@ void RedactModel::openSession(const fs::path& url) {
                  std::move(saved->sourceFilename), url});
 }
 
-void RedactModel::closeDocument() {
-    replaceWork({});
-}
-
 void RedactModel::replaceWork(Work work) {
-    ++workNumber;
     document = std::move(work.document);
     redactionsByPage = std::move(work.redactionsByPage);
     sourceData = std::move(work.sourceData);
@@ -141,24 +136,13 @@ void RedactModel::replaceWork(Work work) {
     redoStack.clear();
 }
 
-void RedactModel::saveSession() {
-    if (sessionURL()) {
-        writeSession(*sessionURL());
-    } else {
-        saveSessionAs();
-    }
-}
-
-void RedactModel::saveSessionAs() {
+void RedactModel::askAndSave() {
     if (!document()) {
         return;
     }
-    const std::uint64_t work = workNumber;
     const SavePanel panel{DocumentIO::sessionType(), defaultSessionName(),
                           sessionURL().value_or(document()->url).parent_path()};
-    const auto chosen = services.panels.run(panel);
-    // A file that was opened meanwhile must not be written where this work was to go.
-    if (chosen && work == workNumber) {
+    if (const auto chosen = services.panels.run(panel)) {
         writeSession(*chosen);
     }
 }
@@ -184,6 +168,7 @@ void RedactModel::writeSession(const Destination& destination) {
     const fs::path& contained = sessionURL() ? *sessionURL() : document()->url;
     if (isOpenSource(url) || !encoded ||
         !writeContainerAtomically(destination, contained, encoded->parts())) {
+        turns.drop();
         fail(couldNotWrite, url);
         return;
     }
@@ -211,20 +196,19 @@ std::optional<std::string> RedactModel::obstacleToExport() const {
     return std::nullopt;
 }
 
-void RedactModel::exportDocument() {
+void RedactModel::askAndExport() {
     if (const auto obstacle = obstacleToExport()) {
         errorMessage = obstacle;
         return;
     }
-    const std::uint64_t work = workNumber;
-    if (!confirmPDFFlattenIfNeeded() || work != workNumber) {
+    if (!confirmPDFFlattenIfNeeded()) {
         return;
     }
     const fs::path suggestion = DocumentIO::defaultOutputURL(*document());
     const SavePanel panel{document()->isPDF ? ContentType::pdf : document()->imageType,
                           lastPathComponent(suggestion), suggestion.parent_path()};
     const auto chosen = services.panels.run(panel);
-    if (!chosen || work != workNumber) {
+    if (!chosen) {
         return;
     }
     // The boxes are those that are there now: a search may have ended, or an undo taken them away,
@@ -236,6 +220,7 @@ void RedactModel::exportDocument() {
     const fs::path& url = chosen->location;
     if (isOpenSession(url) || !DocumentIO::write(*document(), redactionsByPage().toVector(),
                                                  *chosen, services.documents)) {
+        turns.drop();
         fail(couldNotWrite, url);
         return;
     }

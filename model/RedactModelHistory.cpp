@@ -22,10 +22,12 @@ void RedactModel::checkpoint(const std::string& name) {
 }
 
 void RedactModel::undo() {
+    finishGesture();
     step(undoStack, redoStack);
 }
 
 void RedactModel::redo() {
+    finishGesture();
     step(redoStack, undoStack);
 }
 
@@ -50,16 +52,6 @@ void RedactModel::apply(const Snapshot& target) {
     selectedID = isOnPage ? target.selection : std::nullopt;
     statusMessage = std::nullopt;
     errorMessage = std::nullopt;
-}
-
-void RedactModel::beginInteractiveChange(const std::string& name) {
-    if (!std::exchange(interactiveActive, true)) {
-        checkpoint(name);
-    }
-}
-
-void RedactModel::endInteractiveChange() {
-    interactiveActive = false;
 }
 
 std::string RedactModel::undoTitle() const {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace murkwell {
 namespace {
@@ -124,7 +125,8 @@ void RedactCanvas::press(CanvasPoint point) {
     if (!target || pressed) {
         return;
     }
-    pressed = Press{point, *target};
+    pressed = Press{point, point, *target};
+    model.beginGesture([this] { finish(); });
     drag(point);
 }
 
@@ -132,6 +134,7 @@ void RedactCanvas::drag(CanvasPoint point) {
     if (!pressed) {
         return;
     }
+    pressed->last = point;
     pressed->isDragging =
         pressed->isDragging || distance(pressed->at, point) >= dragThreshold(pressed->target);
     if (pressed->isDragging) {
@@ -148,22 +151,26 @@ void RedactCanvas::release(CanvasPoint point) {
     }
     const Press ended = *pressed;
     if (!ended.isDragging) {
-        tap();
+        tap(ended.target);
     } else if (std::holds_alternative<Catcher>(ended.target)) {
         changeDraft(point);
-        const PageRect drawn = *draft_;
-        draft_ = std::nullopt;
-        pressed = std::nullopt;
-        model.addRedaction(drawn);
+        model.addRedaction(*std::exchange(draft_, std::nullopt));
     } else {
         dragOrigin_ = std::nullopt;
         model.endInteractiveChange();
     }
     pressed = std::nullopt;
+    model.endGesture(); // last: a panel that has waited for it may come up here
 }
 
-void RedactCanvas::tap() {
-    const auto* const box = std::get_if<Box>(&pressed->target);
+void RedactCanvas::finish() {
+    if (pressed) {
+        release(pressed->last);
+    }
+}
+
+void RedactCanvas::tap(const Target& target) {
+    const auto* const box = std::get_if<Box>(&target);
     model.selectedID = box != nullptr ? std::optional(box->box) : std::nullopt;
 }
 

@@ -22,6 +22,10 @@ public:
     // The model is referred to and outlives the canvas.
     explicit RedactCanvas(RedactModel& canvasModel, double handleDiameter = defaultHandle)
         : model(canvasModel), handle(handleDiameter) {}
+    // A gesture that is under way ends.
+    ~RedactCanvas() { finish(); }
+    RedactCanvas(const RedactCanvas&) = delete;
+    RedactCanvas& operator=(const RedactCanvas&) = delete;
 
     void resize(CanvasSize size) { canvasSize = size; }
 
@@ -53,6 +57,9 @@ public:
     void press(CanvasPoint point);
     void drag(CanvasPoint point);
     void release(CanvasPoint point);
+    // Ends the gesture where the pointer was last seen; what the pointer does until it is pressed
+    // again is then no part of one. Nothing without a gesture.
+    void finish();
 
     // What keys do. Each change is one undo step; translations are in points.
     void moveSelected(CanvasTranslation by);
@@ -72,6 +79,7 @@ public:
 private:
     struct Press {
         CanvasPoint at;
+        CanvasPoint last;
         Target target;
         bool isDragging = false;
     };
@@ -89,7 +97,7 @@ private:
     void changeResize(const Handle& of, CanvasTranslation by);
     void beginChange(const PageRect& origin, std::string_view englishName);
     void changeSelected(std::string_view englishName, const PageRect& rect);
-    void tap();
+    void tap(const Target& target);
 
     RedactModel& model;
     double handle;

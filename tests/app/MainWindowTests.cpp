@@ -2,6 +2,7 @@
 
 #include "tests/support/ModelUnderTest.h"
 #include "ui/FileOpenInbox.h"
+#include "ui/widgets/CanvasWidget.h"
 #include "ui/widgets/Theme.h"
 
 #include <QAction>
@@ -10,6 +11,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QtTest/QTest>
 
 #include <gmock/gmock.h>
 
@@ -135,6 +137,33 @@ TEST_F(MainWindowTest, SaveAsksForALocationOnlyOnce) {
     EXPECT_EQ(under.panels.savePanels.size(), 1U);
     saveAs().trigger();
     EXPECT_EQ(under.panels.savePanels.size(), 2U);
+}
+
+TEST_F(MainWindowTest, KeysDuringADragWaitForItsEndOrBringItAbout) {
+    under.openPdf();
+    under.panels.saved = under.folder / "work.murkwell";
+    window.show();
+    settle();
+    auto* const canvas = window.findChild<CanvasWidget*>();
+    const QPoint from = canvas->rect().center();
+    const auto press = [&](Qt::Key key) { QTest::keyClick(canvas, key, Qt::ControlModifier); };
+    QTest::mousePress(canvas, Qt::LeftButton, {}, from);
+    QTest::mouseMove(canvas, from + QPoint(40, 40));
+    press(Qt::Key_S);
+    EXPECT_TRUE(under.panels.savePanels.empty());
+    press(Qt::Key_Z);
+    EXPECT_EQ(under.panels.savePanels.size(), 1U);
+    QTest::mouseMove(canvas, from + QPoint(60, 60));
+    QTest::mouseRelease(canvas, Qt::LeftButton, {}, from + QPoint(60, 60));
+    EXPECT_EQ(model.totalRedactionCount(), 0U);
+    press(Qt::Key_S);
+    QTest::mousePress(canvas, Qt::LeftButton, {}, from);
+    QTest::mouseMove(canvas, from + QPoint(40, 40));
+    press(Qt::Key_S);
+    EXPECT_FALSE(model.isDirty());
+    QTest::mouseRelease(canvas, Qt::LeftButton, {}, from + QPoint(60, 60));
+    EXPECT_EQ(model.totalRedactionCount(), 1U);
+    EXPECT_FALSE(model.isDirty()); // saved with its box
 }
 
 TEST_F(MainWindowTest, ShowsWhatWaitsInTheInboxAndWhatComesLater) {

@@ -7,9 +7,11 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <gtest/gtest.h>
 #include <random>
 #include <set>
+#include <utility>
 
 namespace murkwell {
 namespace {
@@ -60,12 +62,10 @@ public:
         case 12:
         case 13:
         case 14:
-            model.undo();
-            return naive.undo();
+            return undo();
         case 15:
         case 16:
-            model.redo();
-            return naive.redo();
+            return redo();
         case 17:
             return startSearch();
         case 18:
@@ -78,13 +78,11 @@ public:
     // All the way back, and forth again.
     void rewind() {
         while (model.canUndo()) {
-            model.undo();
-            naive.undo();
+            undo();
             expectEqual();
         }
         while (model.canRedo()) {
-            model.redo();
-            naive.redo();
+            redo();
             expectEqual();
         }
     }
@@ -215,9 +213,30 @@ private:
         }
     }
 
+    void undo() {
+        model.undo();
+        endGesture();
+        naive.undo();
+    }
+
+    void redo() {
+        model.redo();
+        endGesture();
+        naive.redo();
+    }
+
+    // What the gesture has held up happens now, in its order.
+    void endGesture() {
+        naive.gesture = false;
+        for (const auto& operation : std::exchange(held, {})) {
+            operation();
+        }
+    }
+
     void turnPage() {
         const std::int64_t page = static_cast<std::int64_t>(below(6)) - 1;
         model.goToPage(page);
+        endGesture();
         if (page >= 0 && page < static_cast<std::int64_t>(naive.now.lists.size())) {
             naive.now.page = page;
             naive.now.selection.reset();
@@ -232,8 +251,7 @@ private:
     void gesture() {
         if (below(2) == 0) {
             model.endInteractiveChange();
-            naive.gesture = false;
-            return;
+            return endGesture();
         }
         model.beginInteractiveChange("Move Redaction");
         if (!naive.gesture) {
@@ -322,22 +340,28 @@ private:
     }
 
     void replaceWork() {
-        switch (below(8)) {
-        case 0:
-            model.closeDocument();
-            return naive.open(0);
-        case 1:
-        case 2:
-        case 3:
-            bench.panels.saved = bench.folder / "work.murkwell";
-            model.saveSessionAs();
-            naive.dirty = naive.dirty && naive.now.lists.empty();
-            return;
-        default: {
-            const std::size_t which = below(2);
-            model.open({sources[which]});
-            return naive.open(which == 0 ? 3 : 1);
-        }
+        const auto effect = [this]() -> std::function<void()> {
+            switch (below(8)) {
+            case 0:
+                model.closeDocument();
+                return [this] { naive.open(0); };
+            case 1:
+            case 2:
+            case 3:
+                bench.panels.saved = bench.folder / "work.murkwell";
+                model.saveSessionAs();
+                return [this] { naive.dirty = naive.dirty && naive.now.lists.empty(); };
+            default: {
+                const std::size_t which = below(2);
+                model.open({sources[which]});
+                return [this, which] { naive.open(which == 0 ? 3 : 1); };
+            }
+            }
+        }();
+        if (naive.gesture) {
+            held.push_back(effect);
+        } else {
+            effect();
         }
     }
 
@@ -349,6 +373,7 @@ private:
     std::vector<std::filesystem::path> sources;
     bool allPages = false;
     std::optional<Search> search;
+    std::vector<std::function<void()>> held; // by a gesture
 };
 
 TEST(RandomSteps, AgreeWithANaiveListOfStatesAtEveryStep) {

@@ -511,26 +511,51 @@ TEST_F(Files, BoxesFoundInsideThePanelAreExported) {
     EXPECT_EQ(bench.engines.writer.pages[0]->row(0)[12], (Rgba{0, 0, 0, 255}));
 }
 
-TEST_F(Files, WorkReplacedInsideAPanelIsNeitherExportedNorSavedThere) {
-    startWork();
-    const fs::path out = bench.folder / "out.pdf";
-    bench.panels.saved = out;
-    bench.panels.whileUp = [&] {
-        bench.openPicture();
-        (void)model.addRedaction({0, 0, 1, 1});
+TEST_F(Files, WhatComesWhileAPanelIsUpWaitsUntilItIsGone) {
+    const fs::path out = bench.folder / "out";
+    const std::vector<std::pair<const char*, std::function<void()>>> operations{
+        {"save", [&] { model.saveSessionAs(); }},
+        {"export", [&] { model.exportDocument(); }},
+        {"open", [&] { model.openPanel(); }},
     };
-    bench.preferences.setBoolean(RedactModel::pdfFlattenNoticeKey, true);
-    model.exportDocument();
-    EXPECT_FALSE(fs::exists(out));
+    for (const bool isCancelled : {false, true}) {
+        for (const auto& [what, operation] : operations) {
+            model.closeDocument();
+            fs::remove(out);
+            bench.preferences.values.clear(); // so that the notice is a panel as well
+            startWork();
+            bench.panels.pressed = isCancelled ? 1 : 0;
+            bench.panels.saved = isCancelled ? std::nullopt : std::optional(out);
+            bench.panels.whileUp = [&, asked = false]() mutable {
+                EXPECT_EQ(model.fileName(), "scan.pdf") << what;
+                if (!std::exchange(asked, true)) {
+                    model.closeDocument();
+                    bench.openPicture();
+                }
+            };
+            operation();
+            EXPECT_EQ(model.documentTitle(), "photo.PNG") << what;
+            EXPECT_EQ(fs::exists(out), !isCancelled && std::string(what) != "open") << what;
+        }
+    }
+}
+
+TEST_F(Files, WhatWaitsIsDroppedWhenTheWorkCouldNotBeWritten) {
     startWork();
+    bench.panels.saved = bench.folder.path;
+    bench.panels.whileUp = [&] { bench.openPicture(); };
     model.saveSessionAs();
-    EXPECT_FALSE(fs::exists(out));
-    EXPECT_EQ(model.documentTitle(), "photo.PNG");
+    EXPECT_TRUE(model.errorMessage());
+    expectTheWorkIsWhole();
+    bench.engines.writer.result.reset();
+    model.exportDocument();
+    EXPECT_TRUE(model.errorMessage());
+    expectTheWorkIsWhole();
+}
+
+TEST_F(Files, BoxesThatGoWhileAPanelIsUpAreNotExported) {
     startWork();
-    bench.preferences.values.clear();
-    model.exportDocument(); // replaced during the notice
-    EXPECT_FALSE(fs::exists(out));
-    startWork();
+    bench.panels.saved = bench.folder / "out.pdf";
     bench.panels.whileUp = [&] { model.undo(); };
     model.exportDocument();
     EXPECT_EQ(model.errorMessage(), "Add at least one redaction first.");

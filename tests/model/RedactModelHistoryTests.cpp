@@ -125,12 +125,16 @@ TEST_F(History, AGestureWithoutMotionIsAStepToo) {
     EXPECT_EQ(model.undoTitle(), "Undo Resize Redaction");
 }
 
-TEST_F(History, OnlyItsEndLowersAGesture) {
+TEST_F(History, UntilItsEndAGestureKeepsOtherWorkOut) {
     model.beginInteractiveChange("Move Redaction");
     bench.openPicture();
-    model.beginInteractiveChange("Move Redaction");
-    EXPECT_FALSE(model.canUndo());
+    EXPECT_EQ(model.documentTitle(), "scan.pdf");
     model.endInteractiveChange();
+    EXPECT_EQ(model.documentTitle(), "photo.PNG");
+    EXPECT_FALSE(model.canUndo());
+    model.beginInteractiveChange("Move Redaction");
+    EXPECT_TRUE(model.canUndo());
+    model.undo(); // which ends it
     model.beginInteractiveChange("Move Redaction");
     EXPECT_TRUE(model.canUndo());
 }

@@ -212,6 +212,59 @@ TEST_F(Canvas, GestureOutlivesItsBoxAndItsDocument) {
     EXPECT_EQ(model.currentRedactions().size(), 1U);
 }
 
+TEST_F(Canvas, UndoAndAnotherPageEndTheGestureFirst) {
+    add({0.1, 0.1, 0.2, 0.2});
+    struct Case {
+        CanvasPoint from;
+        std::size_t boxes; // after the undo
+    };
+    for (const auto& [from, boxes] :
+         {Case{at(0.2, 0.2), 1}, {at(0.3, 0.3), 1}, {at(0.6, 0.6), 1}}) {
+        canvas.press(from);
+        canvas.drag(at(0.7, 0.8));
+        model.undo();
+        ASSERT_EQ(model.currentRedactions().size(), boxes);
+        expectNear(rect(0), {0.1, 0.1, 0.2, 0.2});
+        EXPECT_TRUE(model.canRedo());
+        canvas.drag(at(0.9, 0.9)); // the button is still down
+        canvas.release(at(0.9, 0.9));
+        expectNear(rect(0), {0.1, 0.1, 0.2, 0.2});
+        EXPECT_FALSE(canvas.draft() || canvas.dragOrigin());
+        model.selectedID = model.currentRedactions()[0].id;
+    }
+    canvas.press(at(0.5, 0.5));
+    canvas.drag(at(0.6, 0.6));
+    model.goToPage(1);
+    canvas.release(at(0.7, 0.7));
+    EXPECT_EQ(model.redactionCount(0), 2U);
+    EXPECT_EQ(model.redactionCount(1), 0U);
+}
+
+TEST_F(Canvas, SavingAndOpeningWaitForTheEndOfTheGesture) {
+    add({0.1, 0.1, 0.2, 0.2});
+    bench.panels.saved = bench.folder / "work.murkwell";
+    for (const CanvasPoint from : {at(0.2, 0.2), at(0.6, 0.6)}) { // a move, a new box
+        canvas.press(from);
+        canvas.drag(at(0.7, 0.7));
+        model.saveSessionAs();
+        EXPECT_TRUE(bench.panels.savePanels.empty());
+        canvas.release(at(0.8, 0.8));
+        EXPECT_EQ(bench.panels.savePanels.size(), 1U);
+        EXPECT_FALSE(model.isDirty());
+        const auto boxes = model.currentRedactions().size();
+        const PageRect last = rect(boxes - 1);
+        canvas.press(at(0.01, 0.9));
+        bench.openPicture();
+        EXPECT_EQ(model.documentTitle(), "work.murkwell");
+        canvas.finish();
+        EXPECT_EQ(model.documentTitle(), "photo.PNG");
+        model.open({*bench.panels.saved});
+        ASSERT_EQ(model.currentRedactions().size(), boxes);
+        EXPECT_EQ(rect(boxes - 1), last);
+        bench.panels.savePanels.clear();
+    }
+}
+
 TEST_F(Canvas, KeysMoveAndResizeInStepsOfTheirOwn) {
     add({0.2, 0.2, 0.2, 0.2});
     canvas.moveSelected({10, -5});

@@ -40,11 +40,13 @@ class SecondStart(WindowTestCase):
         self.assertEqual(self.session.run().returncode, 0)
         self.assertIsNotNone(self.tree.find("letter.pdf"))
 
-    def test_is_heard_while_a_panel_is_up(self):
+    def test_waits_until_a_panel_is_gone(self):
         self.tree.press("Choose File…", "push button")
         self.tree.await_node("Open", "dialog")
         letter = self.session.write("letter.pdf", documents.letter(1))
         self.assertEqual(self.session.run(letter).returncode, 0)
+        self.assertIsNone(self.tree.find("letter.pdf"))
+        self.session.act("key", "Escape")
         self.tree.await_node("letter.pdf")
 
 

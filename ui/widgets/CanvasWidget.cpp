@@ -166,6 +166,7 @@ void CanvasWidget::mouseMoveEvent(QMouseEvent* event) {
         canvas.drag(canvasPoint(event->position()));
         refresh();
     } else {
+        canvas.finish(); // the release went elsewhere, to a panel say
         updateCursor(event->position());
     }
 }
