@@ -140,6 +140,21 @@ CLI::Option* takesOneEach(CLI::Option* option) {
     return option->expected(1)->take_all()->allow_extra_args(false);
 }
 
+// --password-file, which every command has.
+struct PasswordOption {
+    std::string file;
+
+    void addTo(CLI::App& command) {
+        command.add_option("--password-file", file,
+                           "File with the password of sources that need one; without it, the "
+                           "terminal asks");
+    }
+
+    [[nodiscard]] std::optional<std::filesystem::path> checked() const {
+        return file.empty() ? std::nullopt : std::optional<std::filesystem::path>(file);
+    }
+};
+
 // What is searched for and where, as the parser sees it.
 struct SearchOptions {
     std::string kinds;
@@ -176,6 +191,7 @@ struct RedactOptions {
     std::string style{rawValue(RedactionStyle::solidBlack)};
     bool force = false;
     bool json = false;
+    PasswordOption password;
 
     void addTo(CLI::App& command) {
         command.add_option("SOURCE", sources, "Images, PDFs and saved documents")->required();
@@ -202,6 +218,7 @@ struct RedactOptions {
             ->check(CLI::IsMember(rawValues(allRedactionStyles)));
         command.add_flag("--force", force, "Replace existing files");
         command.add_flag("--json", json, "Print a JSON line for each file written");
+        password.addTo(command);
     }
 
     [[nodiscard]] Command checked() const {
@@ -237,6 +254,7 @@ struct RedactOptions {
         arguments.style = *redactionStyle(style);
         arguments.force = force;
         arguments.json = json;
+        arguments.passwordFile = password.checked();
         return arguments;
     }
 };
@@ -245,14 +263,16 @@ struct RedactOptions {
 struct ScanOptions {
     std::vector<std::string> sources;
     SearchOptions search;
+    PasswordOption password;
 
     void addTo(CLI::App& command) {
         command.add_option("SOURCE", sources, "Images, PDFs and saved documents")->required();
         search.addTo(command);
+        password.addTo(command);
     }
 
     [[nodiscard]] ScanArguments checked() const {
-        ScanArguments arguments{paths(sources), search.checked()};
+        ScanArguments arguments{paths(sources), search.checked(), password.checked()};
         if (!arguments.search.wanted()) {
             arguments.search.kinds = {allPIIKinds.begin(), allPIIKinds.end()};
         }
@@ -264,13 +284,17 @@ struct ScanOptions {
 struct TextOptions {
     std::vector<std::string> sources;
     std::string page{allWord};
+    PasswordOption password;
 
     void addTo(CLI::App& command) {
         command.add_option("SOURCE", sources, "Images, PDFs and saved documents")->required();
         command.add_option("--page", page, "The page to read, or all")->check(pagesValidator());
+        password.addTo(command);
     }
 
-    [[nodiscard]] TextArguments checked() const { return {paths(sources), parsePage(page)}; }
+    [[nodiscard]] TextArguments checked() const {
+        return {paths(sources), parsePage(page), password.checked()};
+    }
 };
 
 Ending endingOf(const CLI::App& app, const CLI::ParseError& error) {
@@ -340,8 +364,10 @@ Command parseArguments(int argc, const char* const* argv) {
     text.addTo(*textCommand);
 
     std::vector<std::string> infoSources;
+    PasswordOption infoPassword;
     auto* const infoCommand = app.add_subcommand("info", "Print type and page sizes as JSON lines");
     infoCommand->add_option("SOURCE", infoSources, "Images, PDFs and saved documents")->required();
+    infoPassword.addTo(*infoCommand);
 
     try {
         app.parse(argc, argv);
@@ -357,7 +383,7 @@ Command parseArguments(int argc, const char* const* argv) {
     if (textCommand->parsed()) {
         return text.checked();
     }
-    return InfoArguments{paths(infoSources)};
+    return InfoArguments{paths(infoSources), infoPassword.checked()};
 }
 
 } // namespace murkwell::cli

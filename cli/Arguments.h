@@ -48,6 +48,7 @@ struct RedactArguments {
     RedactionStyle style = RedactionStyle::solidBlack; // for boxes that name none
     bool force = false;
     bool json = false;
+    std::optional<std::filesystem::path> passwordFile; // of sources that need one
 
     // Work that is saved is exported as well only where the export is given a place.
     [[nodiscard]] bool exports() const { return !savedDocument || output || outputFolder; }
@@ -56,15 +57,18 @@ struct RedactArguments {
 struct ScanArguments {
     std::vector<std::filesystem::path> sources;
     SearchArguments search;
+    std::optional<std::filesystem::path> passwordFile; // of sources that need one
 };
 
 struct TextArguments {
     std::vector<std::filesystem::path> sources;
-    std::optional<int> page; // counts from 1; none for all
+    std::optional<int> page;                           // counts from 1; none for all
+    std::optional<std::filesystem::path> passwordFile; // of sources that need one
 };
 
 struct InfoArguments {
     std::vector<std::filesystem::path> sources;
+    std::optional<std::filesystem::path> passwordFile; // of sources that need one
 };
 
 // Nothing to run: print the text and leave with the code.

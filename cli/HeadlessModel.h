@@ -3,6 +3,7 @@
 #pragma once
 
 #include "cli/Output.h"
+#include "cli/Passwords.h"
 #include "cli/RememberedText.h"
 #include "model/RedactModel.h"
 
@@ -11,10 +12,11 @@
 
 namespace murkwell::cli {
 
-// The libraries behind everything. Referred to, not owned.
+// The libraries behind everything, and who knows the passwords. Referred to, not owned.
 struct Engines {
     DocumentIO::Engines documents;
     Detector::Engines recognition;
+    Passwords& passwords;
 };
 
 // Runs every job at once, on the thread that gives it.
@@ -27,14 +29,23 @@ public:
     void onMain(std::function<void()> job) override { job(); }
 };
 
-// Never asks. A save panel is answered with the given location, a notice with its first button.
+// Never asks for more than a password. A save panel is answered with the given location, a notice
+// with its first button.
 class CommandLinePanels final : public Panels {
 public:
+    explicit CommandLinePanels(Passwords& known) : passwords(known) {}
+
     [[nodiscard]] std::vector<std::filesystem::path> run(const OpenPanel&) override { return {}; }
     [[nodiscard]] std::optional<Destination> run(const SavePanel&) override { return answer; }
     [[nodiscard]] std::size_t run(const Alert&) override { return 0; }
+    [[nodiscard]] std::optional<Secret> run(const PasswordPanel& panel) override {
+        return passwords.answer(panel);
+    }
 
     std::optional<Destination> answer;
+
+private:
+    Passwords& passwords;
 };
 
 // Nothing is kept from one run to the next.
@@ -53,7 +64,8 @@ public:
 class HeadlessModel {
 public:
     explicit HeadlessModel(const Engines& engines)
-        : text(engines.recognition.textRecognizer),
+        : passwords(engines.passwords), text(engines.recognition.textRecognizer),
+          panels(engines.passwords),
           model({executor,
                  panels,
                  preferences,
@@ -61,17 +73,18 @@ public:
                  engines.documents,
                  {text, engines.recognition.faceDetector, engines.recognition.random}}) {}
 
-    // The model's message when the source cannot be opened. What did not come whole is reported.
+    // Why the source cannot be opened, as a message. What did not come whole is reported.
     [[nodiscard]] std::optional<std::string> open(const std::filesystem::path& source) {
         model.open({source});
         if (!model.document()) {
-            return model.errorMessage();
+            return model.errorMessage().value_or(passwords.refusal());
         }
         printRemarks(source, *model.document());
         return std::nullopt;
     }
 
 private:
+    const Passwords& passwords;
     ImmediateExecutor executor;
     NoPreferences preferences;
     NoFileManager fileManager;

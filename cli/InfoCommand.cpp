@@ -4,6 +4,7 @@
 #include "cli/Output.h"
 #include "core/Localization.h"
 #include "io/FileName.h"
+#include "model/PasswordedLoading.h"
 
 #include <nlohmann/json.hpp>
 
@@ -14,20 +15,22 @@ using DocumentIO::Document;
 using std::filesystem::path;
 
 // Whatever can be loaded is described, also a picture of a type that is not taken for redaction.
-std::optional<Document> documentAt(const path& source, const Engines& engines) {
+std::optional<Document> documentAt(const path& source, const Engines& engines, Failure& failure) {
     if (ContentType::fromExtension(pathExtension(source)) != DocumentIO::sessionType()) {
-        const auto result = DocumentIO::load(source, engines.documents);
-        const auto* const document = std::get_if<Document>(&result);
-        if (document == nullptr) {
-            return std::nullopt;
+        CommandLinePanels panels(engines.passwords);
+        const auto result = loadWithPassword(source, panels, [&](const auto& password) {
+            return DocumentIO::load(source, engines.documents, password);
+        });
+        if (const auto* const document = std::get_if<Document>(&result)) {
+            printRemarks(source, *document);
+            return *document;
         }
-        printRemarks(source, *document);
-        return *document;
-    }
-    HeadlessModel headless(engines);
-    if (headless.open(source)) {
+        failure = needsPassword(result) ? engines.passwords.refusal()
+                                        : localized("Couldn’t open “%@”.", {shownName(source)});
         return std::nullopt;
     }
+    HeadlessModel headless(engines);
+    failure = headless.open(source);
     return headless.model.document();
 }
 
@@ -46,10 +49,9 @@ Failure print(const path& source, const Document& document) {
 
 bool info(const InfoArguments& arguments, const Engines& engines) {
     return forEachSource(arguments.sources, [&](const path& source) -> Failure {
-        if (const auto document = documentAt(source, engines)) {
-            return print(source, *document);
-        }
-        return localized("Couldn’t open “%@”.", {shownName(source)});
+        Failure failure;
+        const auto document = documentAt(source, engines, failure);
+        return document ? print(source, *document) : failure;
     });
 }
 

@@ -59,6 +59,10 @@ void printRemarks(const std::filesystem::path& file, const DocumentIO::Document&
     }
 }
 
+std::string noPasswordIn(const std::filesystem::path& file) {
+    return localized("Couldn’t read a password from “%@”.", {shownName(file)});
+}
+
 std::string alreadyThere(const std::filesystem::path& file) {
     return localized("Couldn’t write to “%@”. It is there already; --force replaces it.",
                      {shownName(file)});

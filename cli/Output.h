@@ -27,6 +27,7 @@ void printFailure(std::string_view message);
 void printRemarks(const std::filesystem::path& file, const DocumentIO::Document& document);
 
 // Messages that the model does not have, in the user's language.
+[[nodiscard]] std::string noPasswordIn(const std::filesystem::path& file);
 [[nodiscard]] std::string alreadyThere(const std::filesystem::path& file);
 [[nodiscard]] std::string wouldBeLost(const std::filesystem::path& target);
 [[nodiscard]] std::string boxTooSmall(const std::filesystem::path& file);

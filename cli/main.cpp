@@ -49,9 +49,26 @@ int printEnding(const cli::Ending& ending) {
     return cli::resultsAreRead() ? 0 : 1;
 }
 
+std::optional<std::filesystem::path> passwordFileOf(const cli::Command& command) {
+    return std::visit(
+        [](const auto& chosen) -> std::optional<std::filesystem::path> {
+            if constexpr (std::is_same_v<std::decay_t<decltype(chosen)>, cli::Ending>) {
+                return std::nullopt;
+            } else {
+                return chosen.passwordFile;
+            }
+        },
+        command);
+}
+
 int run(int argc, char** argv) {
     useCatalogue(findCatalogue(catalogueFolder(), userLanguages()));
     const auto command = cli::parseArguments(argc, argv);
+    cli::Passwords passwords;
+    if (const auto file = passwordFileOf(command); file && !passwords.readFile(*file)) {
+        cli::printFailure(cli::noPasswordIn(*file));
+        return 1;
+    }
     PdfRendererMuPdf pdfRenderer;
     PdfWriterMuPdf pdfWriter;
     ImageCodecVips imageCodec;
@@ -59,7 +76,8 @@ int run(int argc, char** argv) {
     FaceDetectorUltraFace faceDetector;
     SystemRandomSource random;
     const cli::Engines engines{{pdfRenderer, pdfWriter, imageCodec, random},
-                               {textRecognizer, faceDetector, random}};
+                               {textRecognizer, faceDetector, random},
+                               passwords};
 
     return std::visit(
         [&](const auto& chosen) {

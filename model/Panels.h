@@ -4,6 +4,7 @@
 // thread's event loop goes on, so the caller's state may have changed when it returns.
 #pragma once
 
+#include "core/Secret.h"
 #include "io/ContentType.h"
 #include "io/FileAccess.h"
 
@@ -34,6 +35,12 @@ struct Alert {
     std::vector<std::string> buttons; // the first is the default, the last one cancels
 };
 
+// Asks for the password of a file that does not open without.
+struct PasswordPanel {
+    std::string fileName;
+    bool wasWrong = false; // the password that was given before
+};
+
 class Panels {
 public:
     virtual ~Panels() = default;
@@ -46,6 +53,9 @@ public:
 
     // The position of the button that was pressed.
     [[nodiscard]] virtual std::size_t run(const Alert& alert) = 0;
+
+    // In UTF-8. None when the user cancels.
+    [[nodiscard]] virtual std::optional<Secret> run(const PasswordPanel& panel) = 0;
 };
 
 } // namespace murkwell

@@ -4,6 +4,7 @@
 #include "io/FileAccess.h"
 #include "io/FileName.h"
 #include "model/DocumentRemarks.h"
+#include "model/PasswordedLoading.h"
 
 #include <algorithm>
 #include <array>
@@ -82,7 +83,12 @@ void RedactModel::openSource(const fs::path& url) {
         fail(couldNotOpen, url);
         return;
     }
-    auto result = DocumentIO::load(file->bytes(), url, services.documents);
+    auto result = loadWithPassword(url, services.panels, [&](const auto& password) {
+        return DocumentIO::load(file->bytes(), url, services.documents, password);
+    });
+    if (needsPassword(result)) {
+        return; // the user gave up
+    }
     auto* const loaded = std::get_if<DocumentIO::Document>(&result);
     if (loaded == nullptr) {
         fail(couldNotOpen, url);
@@ -108,7 +114,12 @@ void RedactModel::openSaved(const fs::path& url) {
         return;
     }
     const fs::path nominal = nominalURL(*saved, url);
-    auto result = DocumentIO::load(saved->sourceData.bytes(), nominal, services.documents);
+    auto result = loadWithPassword(url, services.panels, [&](const auto& password) {
+        return DocumentIO::load(saved->sourceData.bytes(), nominal, services.documents, password);
+    });
+    if (needsPassword(result)) {
+        return; // the user gave up
+    }
     auto* const loaded = std::get_if<DocumentIO::Document>(&result);
     // Boxes whose pages are not there would come to lie on others and leave theirs bare.
     if (loaded == nullptr || loaded->pages.size() != saved->pages.size()) {

@@ -33,7 +33,7 @@ _murkwell_cli() {
     fi
 
     case $command:$prev in
-    redact:-o | redact:--output)
+    redact:-o | redact:--output | *:--password-file)
         _filedir
         return
         ;;
@@ -70,7 +70,7 @@ _murkwell_cli() {
         _filedir "$sources"
         return
     fi
-    local options="--help"
+    local options="--help --password-file"
     case $command in
     redact) options+=" $search $redact" ;;
     scan) options+=" $search" ;;

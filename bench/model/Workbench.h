@@ -45,6 +45,7 @@ public:
     bool background(std::function<void()>) override { return true; }
     void onMain(std::function<void()>) override {}
     std::vector<std::filesystem::path> run(const OpenPanel&) override { return {}; }
+    std::optional<Secret> run(const PasswordPanel&) override { return std::nullopt; }
     std::optional<Destination> run(const SavePanel&) override { return saved; }
     std::size_t run(const Alert&) override { return 0; }
     bool boolean(std::string_view) const override { return true; }

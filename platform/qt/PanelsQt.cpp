@@ -3,6 +3,7 @@
 #include "core/Localization.h"
 #include "io/FileName.h"
 #include "platform/qt/FileNames.h"
+#include "platform/qt/PasswordDialog.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -173,6 +174,11 @@ std::size_t PanelsQt::run(const Alert& alert) {
     // Taken away without an answer, it counts as cancelled.
     const auto pressed = std::ranges::find(buttons, box.clickedButton()) - buttons.begin();
     return std::min(static_cast<std::size_t>(pressed), buttons.size() - 1);
+}
+
+std::optional<Secret> PanelsQt::run(const PasswordPanel& panel) {
+    PasswordDialog dialog(panel, frontWindow());
+    return dialog.exec() == QDialog::Accepted ? std::optional(dialog.take()) : std::nullopt;
 }
 
 } // namespace murkwell

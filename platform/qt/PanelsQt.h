@@ -18,6 +18,7 @@ public:
     [[nodiscard]] std::optional<Destination> run(const SavePanel& panel) override;
 
     [[nodiscard]] std::size_t run(const Alert& alert) override;
+    [[nodiscard]] std::optional<Secret> run(const PasswordPanel& panel) override;
 };
 
 } // namespace murkwell

@@ -93,6 +93,9 @@ public:
     std::size_t run(const Alert& alert) override {
         return plan.failsNow() ? alert.buttons.size() - 1 : inner.run(alert);
     }
+    std::optional<Secret> run(const PasswordPanel& panel) override {
+        return plan.failsNow() ? std::nullopt : inner.run(panel);
+    }
 
 private:
     Plan& plan;

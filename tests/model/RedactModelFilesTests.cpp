@@ -181,6 +181,40 @@ TEST_F(Files, SavedWorkComesBackWithoutItsSource) {
     EXPECT_EQ(contentOf(file), first);
 }
 
+TEST_F(Files, APasswordIsAskedForUntilItIsRightOrTheUserGivesUp) {
+    startWork();
+    const auto opens = [&](const fs::path& file, std::deque<std::string> passwords) {
+        bench.panels.passwords = std::move(passwords);
+        bench.panels.passwordPanels.clear();
+        model.open({file});
+        for (std::size_t i = 0; i < bench.panels.passwordPanels.size(); ++i) {
+            EXPECT_EQ(bench.panels.passwordPanels[i].fileName, file.filename());
+            EXPECT_EQ(bench.panels.passwordPanels[i].wasWrong, i > 0);
+        }
+        return bench.panels.passwordPanels.size();
+    };
+    const fs::path locked = bench.folder.write("locked.pdf", "locked bytes");
+    bench.engines.renderer.neededPassword = "right";
+    EXPECT_EQ(opens(locked, {"wrong"}), 2U);
+    EXPECT_FALSE(model.errorMessage());
+    expectTheWorkIsWhole();
+    EXPECT_EQ(opens(locked, {"wrong", "right"}), 2U);
+    EXPECT_EQ(model.fileName(), "locked.pdf");
+
+    ASSERT_TRUE(model.addRedaction({0.1, 0.1, 0.2, 0.2}));
+    const fs::path saved = save();
+    EXPECT_NE(contentOf(saved).find("locked bytes"), std::string::npos);
+    EXPECT_EQ(contentOf(saved).find("right"), std::string::npos);
+    bench.engines.renderer.neededPassword.reset();
+    startWork();
+    bench.engines.renderer.neededPassword = "right";
+    EXPECT_EQ(opens(saved, {}), 1U);
+    expectTheWorkIsWhole();
+    EXPECT_EQ(opens(saved, {"right"}), 1U);
+    EXPECT_EQ(model.documentTitle(), "work.murkwell");
+    EXPECT_EQ(model.totalRedactionCount(), 1U);
+}
+
 TEST_F(Files, StoredBoxesAreOpenedWithTheirPagesOnly) {
     const auto openWith = [&](std::initializer_list<unsigned> pages) {
         RawPropertyList list = rawDocument();

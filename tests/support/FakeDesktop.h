@@ -5,7 +5,9 @@
 #include "model/Panels.h"
 #include "model/Preferences.h"
 
+#include <deque>
 #include <functional>
+#include <gtest/gtest.h>
 #include <map>
 #include <string>
 
@@ -29,16 +31,30 @@ public:
         return pressed;
     }
 
+    std::optional<Secret> run(const PasswordPanel& panel) override {
+        passwordPanels.push_back(panel);
+        whileUp();
+        if (passwords.empty()) {
+            return std::nullopt;
+        }
+        Secret answer;
+        EXPECT_TRUE(answer.append(passwords.front()));
+        passwords.pop_front();
+        return answer;
+    }
+
     // The answers.
     std::vector<std::filesystem::path> opened;
     std::optional<std::filesystem::path> saved;
     std::size_t pressed = 0;
+    std::deque<std::string> passwords; // one after the other, then cancelled
     // What the event loop does while a panel is up.
     std::function<void()> whileUp = [] {};
 
     std::vector<OpenPanel> openPanels;
     std::vector<SavePanel> savePanels;
     std::vector<Alert> alerts;
+    std::vector<PasswordPanel> passwordPanels;
 };
 
 class FakePreferences final : public Preferences {

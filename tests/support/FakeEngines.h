@@ -26,12 +26,16 @@ public:
     Result render(std::span<const std::byte>, const std::optional<std::string>& given) override {
         ++calls;
         password = given;
+        if (neededPassword && password != neededPassword) {
+            return LoadFailure::needsPassword;
+        }
         return pages ? Result(*pages) : failure;
     }
 
     std::optional<std::vector<RenderedPage>> pages;
     LoadFailure failure = LoadFailure::unreadable; // without pages
     std::optional<std::string> password;           // of the last call
+    std::optional<std::string> neededPassword;
     int calls = 0;
 };
 

@@ -5,10 +5,12 @@
 #include "tests/support/ModalPanels.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <QAccessible>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QtTest/QTest>
 
 #include <gmock/gmock.h>
 
@@ -203,6 +205,34 @@ TEST_F(PanelsTest, AlertIsConfirmedByReturnAndCancelledByEscapeOrClosing) {
     EXPECT_EQ(panels.run(alert), 1U);
     user.answer<QMessageBox>([](QMessageBox& box) { box.done(0); });
     EXPECT_EQ(panels.run(alert), 1U);
+}
+
+TEST_F(PanelsTest, PasswordIsTypedUnseenAndTakenByReturn) {
+    for (const bool wasWrong : {false, true}) {
+        user.answer<QDialog>([&](QDialog& dialog) {
+            auto* const field = dialog.findChild<QLineEdit*>();
+            ASSERT_NE(field, nullptr);
+            EXPECT_EQ(dialog.focusWidget(), field);
+            EXPECT_EQ(field->echoMode(), QLineEdit::Password);
+            const auto* const spoken = QAccessible::queryAccessibleInterface(field);
+            EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Password:"));
+            const QString description = spoken->text(QAccessible::Description);
+            const auto words = wasWrong ? "That password is wrong. Try again." : "“a <b>.pdf” is";
+            EXPECT_TRUE(description.startsWith(QString::fromUtf8(words)));
+            QTest::keyClick(field, Qt::Key_Return); // nothing is typed yet
+            EXPECT_TRUE(dialog.isVisible());
+            field->setText(QStringLiteral("grün"));
+            QTest::keyClick(field, Qt::Key_Return);
+        });
+        const auto given = panels.run(PasswordPanel{"a <b>.pdf", wasWrong});
+        ASSERT_TRUE(given);
+        EXPECT_EQ(given->asPassword(), "grün");
+    }
+    user.answer<QDialog>([](QDialog& dialog) {
+        QTest::keyClicks(dialog.findChild<QLineEdit*>(), QStringLiteral("typed"));
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    EXPECT_FALSE(panels.run(PasswordPanel{"a.pdf"}));
 }
 
 TEST_F(PanelsTest, PanelsBelongToTheWindow) {
