@@ -44,8 +44,8 @@ QLayout* warning(const QString& words) {
 PasswordDialog::PasswordDialog(const PasswordPanel& panel, QWidget* parent)
     : QDialog(parent), field(new QLineEdit) {
     setWindowTitle(text(localized("Password Required")));
-    const QString question = QString::fromStdString(
-        localized("“%@” is protected. Enter its password to open it.", {panel.fileName}));
+    const QString question =
+        QString::fromStdString(localized("“%@” is protected by a password.", {panel.fileName}));
     const QString wrong = text(localized("That password is wrong. Try again."));
     field->setEchoMode(QLineEdit::Password);
     field->setMaxLength(longestInput);
