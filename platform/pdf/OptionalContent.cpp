@@ -81,11 +81,10 @@ bool OptionalContent::hidesMembers(fz_context* context, pdf_obj* membership) con
     } else if (pdf_is_dict(context, members) != 0) {
         count = 1;
         hidden = isHiddenGroup(context, members) ? 1 : 0;
-    }
-    pdf_obj* const policy = pdf_dict_get(context, membership, PDF_NAME(P));
-    if (count == 0) {
+    } else {
         return false;
     }
+    pdf_obj* const policy = pdf_dict_get(context, membership, PDF_NAME(P));
     if (pdf_name_eq(context, policy, PDF_NAME(AllOn)) != 0) {
         return hidden > 0;
     }

@@ -1,155 +1,10 @@
 #include "platform/pdf/PageProcessor.h"
 
 #include "platform/pdf/OptionalContent.h"
-#include "platform/pdf/SoftMask.h"
 
 #include <string_view>
 
 namespace murkwell {
-
-// The functions that MuPDF's interpreter calls instead of the processor's own. MuPDF may longjmp
-// through all of them.
-struct PageOperators {
-    // An operator that does as before, except for how it fails.
-    template <auto Operator>
-    struct Guarded;
-
-    template <typename... Arguments,
-              void (*pdf_processor::*Operator)(fz_context*, pdf_processor*, Arguments...)>
-    struct Guarded<Operator> {
-        static void call(fz_context* context, pdf_processor* processor, Arguments... arguments) {
-            PageProcessor& self = PageProcessor::of(context);
-            self.run(processor,
-                     [&] { (self.original.*Operator)(context, processor, arguments...); });
-        }
-    };
-
-    // The optional content that the interpreter counts in `hidden` is ours: it is told nothing of
-    // what is hidden, but counts on from what it finds.
-    static void beginMarked(fz_context* context, pdf_processor* processor, const char*) {
-        PageProcessor::of(context).openMarkedContent(processor, false);
-    }
-
-    static void beginProperties(fz_context* context, pdf_processor* processor, const char* tag,
-                                pdf_obj*, pdf_obj* properties) {
-        PageProcessor& self = PageProcessor::of(context);
-        const bool isOptional = tag != nullptr && std::string_view(tag) == "OC";
-        self.openMarkedContent(processor,
-                               isOptional && self.optionalContent.hides(context, properties));
-    }
-
-    static void endMarked(fz_context* context, pdf_processor* processor) {
-        PageProcessor::of(context).closeMarkedContent(processor);
-    }
-
-    static void form(fz_context* context, pdf_processor* processor, const char* name, pdf_obj* form,
-                     pdf_obj* resources) {
-        PageProcessor& self = PageProcessor::of(context);
-        self.run(processor, [&] {
-            self.leaveOutHidden(pdf_xobject_resources(context, form));
-            self.original.op_Do_form(context, processor, name, form, resources);
-        });
-    }
-
-    static void graphicsState(fz_context* context, pdf_processor* processor, const char* name,
-                              pdf_obj* state) {
-        PageProcessor& self = PageProcessor::of(context);
-        self.run(processor, [&] {
-            self.skipped =
-                !mendSoftMask(context, state) || hasTransfer(context, state) || self.skipped;
-            self.original.op_gs_begin(context, processor, name, state);
-        });
-    }
-
-    static void softMask(fz_context* context, pdf_processor* processor, pdf_obj* form,
-                         pdf_obj* resources, float* backdrop, int luminosity) {
-        PageProcessor& self = PageProcessor::of(context);
-        self.run(processor, [&] {
-            self.leaveOutHidden(pdf_xobject_resources(context, form));
-            self.original.op_gs_SMask(context, processor, form, resources, backdrop, luminosity);
-        });
-    }
-
-    template <auto Operator>
-    static void pattern(fz_context* context, pdf_processor* processor, const char* name,
-                        pdf_pattern* pattern, int count, float* color) {
-        PageProcessor& self = PageProcessor::of(context);
-        self.run(processor, [&] {
-            self.leaveOutHidden(pattern->resources);
-            (self.original.*Operator)(context, processor, name, pattern, count, color);
-        });
-    }
-
-    // An image that cannot be decoded may have been there to cover: its place is painted grey. One
-    // whose mask cannot be decoded is painted whole.
-    template <typename Paint>
-    static void image(fz_context* context, pdf_processor* processor, fz_image* image,
-                      Paint&& paint) {
-        PageProcessor& self = PageProcessor::of(context);
-        self.run(processor, [&] {
-            if (self.isDecodable(image, false)) {
-                self.paintMasked(image, [&] { paint(self.original); });
-                return;
-            }
-            self.original.op_q(context, processor);
-            self.original.op_g(context, processor, 0.5F);
-            self.original.op_re(context, processor, 0, 0, 1, 1);
-            self.original.op_f(context, processor);
-            self.original.op_Q(context, processor);
-        });
-    }
-
-    static void inlineImage(fz_context* context, pdf_processor* processor, fz_image* inlined,
-                            const char* space) {
-        image(context, processor, inlined, [&](const pdf_processor& original) {
-            original.op_BI(context, processor, inlined, space);
-        });
-    }
-
-    static void imageObject(fz_context* context, pdf_processor* processor, const char* name,
-                            fz_image* object) {
-        image(context, processor, object, [&](const pdf_processor& original) {
-            original.op_Do_image(context, processor, name, object);
-        });
-    }
-
-    template <auto... Operators>
-    static void guard(pdf_processor* processor) {
-        ((processor->*Operators = &Guarded<Operators>::call), ...);
-    }
-
-    // All that draw, and all that first draw the text before them.
-    static void guardDrawing(pdf_processor* processor) {
-        using P = pdf_processor;
-        guard<&P::op_S, &P::op_s, &P::op_F, &P::op_f, &P::op_fstar, &P::op_B, &P::op_Bstar,
-              &P::op_b, &P::op_bstar, &P::op_n>(processor);
-        guard<&P::op_ET, &P::op_TJ, &P::op_Tj, &P::op_squote, &P::op_dquote>(processor);
-        guard<&P::op_sh>(processor);
-        guard<&P::op_w, &P::op_j, &P::op_J, &P::op_M, &P::op_d, &P::op_ri, &P::op_q, &P::op_Q,
-              &P::op_cm, &P::op_END>(processor);
-        guard<&P::op_gs_BM, &P::op_gs_ca, &P::op_gs_CA, &P::op_gs_OP, &P::op_gs_op, &P::op_gs_OPM,
-              &P::op_gs_UseBlackPtComp>(processor);
-        guard<&P::op_CS, &P::op_cs, &P::op_SC_shade, &P::op_sc_shade, &P::op_SC_color,
-              &P::op_sc_color>(processor);
-        guard<&P::op_G, &P::op_g, &P::op_RG, &P::op_rg, &P::op_K, &P::op_k>(processor);
-    }
-
-    static void checkImages(pdf_processor* processor) {
-        processor->op_BI = &inlineImage;
-        processor->op_Do_image = &imageObject;
-    }
-
-    static void install(pdf_processor* processor) {
-        processor->op_BMC = &beginMarked;
-        processor->op_BDC = &beginProperties;
-        processor->op_EMC = &endMarked;
-        processor->op_Do_form = &form;
-        processor->op_gs_begin = &graphicsState;
-        processor->op_gs_SMask = &softMask;
-        processor->op_SC_pattern = &pattern<&pdf_processor::op_SC_pattern>;
-        processor->op_sc_pattern = &pattern<&pdf_processor::op_sc_pattern>;
-    }
-};
 
 PageProcessor::PageProcessor(fz_context* usedContext, const OptionalContent& content,
                              Errors onErrors)
@@ -169,17 +24,14 @@ PageProcessor::~PageProcessor() {
 pdf_processor* PageProcessor::make(fz_device* device, fz_matrix transform, pdf_obj* resources,
                                    fz_default_colorspaces* colorspaces, fz_cookie* cookie) {
     markedContent = {};
+    pageResources = resources;
     leaveOutHidden(resources);
     // Without a usage MuPDF takes all optional content for visible.
     pdf_processor* const processor =
         pdf_new_run_processor(context, device, transform, nullptr, nullptr, colorspaces, cookie);
     original = *processor;
-    PageOperators::install(processor);
-    if (errors == Errors::SkipOperator || !optionalContent.isNone()) {
-        PageOperators::guardDrawing(processor);
-    }
+    install(processor);
     if (errors == Errors::SkipOperator) {
-        PageOperators::checkImages(processor);
         guardPainting(device);
     }
     return processor;
@@ -224,20 +76,6 @@ void PageProcessor::leaveOutHidden(pdf_obj* resources) {
     }
 }
 
-// Without a mask that is broken.
-template <typename Paint>
-void PageProcessor::paintMasked(fz_image* image, Paint&& paint) {
-    fz_image* const mask = image->mask;
-    if (mask != nullptr && !isDecodable(mask, true)) {
-        image->mask = nullptr;
-    }
-    const bool isPainted = attempt(context, paint);
-    image->mask = mask;
-    if (!isPainted) {
-        fz_rethrow(context);
-    }
-}
-
 // A mask must be there to the end. May longjmp out when there is no memory.
 bool PageProcessor::isDecodable(fz_image* image, bool toTheEnd) {
     const bool givenUpBefore = givenUp;
@@ -267,20 +105,6 @@ void PageProcessor::noteWarning(void* self, const char* message) {
         text.starts_with("cannot load content stream part") || text.starts_with("read error")) {
         processor.skipped = true;
     }
-}
-
-template <typename Call>
-void PageProcessor::run(pdf_processor* processor, Call&& call) {
-    const MarkedContent before = markedContent;
-    const int hidden = processor->hidden;
-    markedContent.outermost = before.depth;
-    if (errors == Errors::EndThePage) {
-        call();
-    } else {
-        skipFailed(call);
-    }
-    markedContent = before;
-    processor->hidden = hidden;
 }
 
 } // namespace murkwell

@@ -54,15 +54,10 @@ private:
     void openMarkedContent(pdf_processor* processor, bool hidesContent);
     void closeMarkedContent(pdf_processor* processor);
     void leaveOutHidden(pdf_obj* resources);
-    template <typename Paint>
-    void paintMasked(fz_image* image, Paint&& paint);
     [[nodiscard]] bool isDecodable(fz_image* image, bool toTheEnd);
     static void noteWarning(void* self, const char* message);
 
-    // Runs one of the processor's operators.
-    template <typename Call>
-    void run(pdf_processor* processor, Call&& call);
-
+    void install(pdf_processor* processor) const;
     void guardPainting(fz_device* device);
 
     // Only errors of memory get out.
@@ -76,6 +71,21 @@ private:
         }
     }
 
+    // Runs one of the processor's operators.
+    template <typename Call>
+    void run(pdf_processor* processor, Call&& call) {
+        const MarkedContent before = markedContent;
+        const int hidden = processor->hidden;
+        markedContent.outermost = before.depth;
+        if (errors == Errors::EndThePage) {
+            call();
+        } else {
+            skipFailed(call);
+        }
+        markedContent = before;
+        processor->hidden = hidden;
+    }
+
     fz_context* context;
     const OptionalContent& optionalContent;
     Errors errors;
@@ -83,6 +93,7 @@ private:
     fz_device painter{};          // and those of the device
     fz_device* guarded = nullptr; // the device that calls ours
     MarkedContent markedContent;
+    pdf_obj* pageResources = nullptr;
     bool skipped = false;
     bool givenUp = false;
     fz_warning_cb* warn; // the context's before

@@ -170,6 +170,19 @@ TEST(PageDrawing, GoesOnAfterWhatCannotBeDrawn) {
          "/XObject << /X 1 0 R /Z 3 0 R >>",
          {form("/Resources << /XObject << /Y 2 0 R /C 4 0 R >> >>", "/Y Do"),
           form("/Resources << /Font << >> >>", "/Z Do /C Do"), form("", secret), form("", cover)}});
+    cases.push_back({"a line of a negative width", secret + "0 G -20 w 0 5 m 10 5 l S"});
+    cases.push_back({"a pattern without steps",
+                     secret + "/Pattern cs /P scn 0 0 10 10 re f",
+                     "/Pattern << /P 1 0 R >>",
+                     {stream("/PatternType 1 /PaintType 1 /TilingType 1 /BBox [0 0 10 10] "
+                             "/Resources << >>",
+                             cover)}});
+    Case none{"a colorant that leaves no marks", "/N cs 1 scn 0 0 10 10 re f",
+              "/ColorSpace << /N [/Separation /None /DeviceRGB << /FunctionType 2 /Domain [0 1] "
+              "/C0 [1 1 1] /C1 [1 0 0] /N 1 >>] >>"};
+    none.shows = true;
+    none.isWhole = none.popplerAgrees = false;
+    cases.push_back(none);
     cases.push_back({"nothing wrong", secret, "", {}, "", "", true});
     check(cases);
 }
@@ -223,6 +236,11 @@ TEST(PageDrawing, OptionalContent) {
                    "/XObject << /I 4 0 R >>"),
         inMembership("/OCGs [1 0 R 2 0 R]", true),
         inMembership("/OCGs 1 0 R", false),
+        inMembership("/OCGs []", false),
+        inMembership("", true),
+        withGroups("a form that names a layer which only the page has", "/X Do", false,
+                   {"null", form("/Resources << >>", "/OC /A BDC " + secret + "EMC")},
+                   "/XObject << /X 4 0 R >>"),
         inMembership("/OCGs [1 0 R 2 0 R] /P /AllOn", false),
         inMembership("/OCGs [1 0 R 2 0 R] /P /AnyOff", true),
         inMembership("/OCGs [1 0 R 2 0 R] /P /AllOff", false),
