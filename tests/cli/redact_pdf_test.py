@@ -83,6 +83,23 @@ class RedactPdf(TestInFolder):
         self.assertEqual(self.output.read_bytes(), fresh)
         self.assertTrue(fresh.endswith(b"%%EOF\n"))
 
+    def test_what_did_not_come_whole_is_said(self):
+        # Three pages: one without a size, one that names a picture that is none, one that is whole.
+        objects = [b"<< /Type /Catalog /Pages 2 0 R >>",
+                   b"<< /Type /Pages /Count 3 /Kids [3 0 R 4 0 R 6 0 R] >>",
+                   b"<< /Type /Page /MediaBox [0 0 0 0] >>",
+                   b"<< /Type /Page /MediaBox [0 0 99 99] /Contents 5 0 R /Resources << /XObject "
+                   b"<< /I 7 0 R >> >> >>",
+                   documents.stream("/I Do"),
+                   b"<< /Type /Page /MediaBox [0 0 99 99] >>",
+                   documents.stream("", "/Type /XObject /Subtype /Image /Width 9 /Height 0")]
+        source = self.write("some.pdf", documents.pdf(objects, 1))
+        said = ("some.pdf: 1 page could not be shown.\n"
+                "some.pdf: Page 1 may be incomplete.\n")
+        for arguments in (("info", source), ("redact", source, "--box", f"2:{self.BOX}")):
+            result = murkwell(*arguments)
+            self.assertEqual((result.returncode, result.stderr), (0, said), arguments)
+
     def test_the_source_stays_as_it_was(self):
         self.source.chmod(0o444)
         before = (self.source.read_bytes(), self.source.stat().st_mtime_ns)
