@@ -22,11 +22,11 @@ constexpr std::size_t mebibyte = std::size_t{1} << 20;
 // block is a colour scan of 178 megapixels.
 constexpr PageLimits together{27s, 9s, 512 * mebibyte, 2048 * mebibyte};
 
-// For a page that has the machine to itself.
+// For a page that has the machine to itself, but for the three quarters that pixels may fill.
 PageLimits alone() {
     const auto machine = static_cast<std::size_t>(::sysconf(_SC_PHYS_PAGES)) *
                          static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-    return {27s, 27s, 1024 * mebibyte, std::max(together.allLargeBlocks, machine / 2)};
+    return {27s, 27s, 1024 * mebibyte, std::max(together.allLargeBlocks, machine / 4)};
 }
 
 class Schedule {
