@@ -78,6 +78,10 @@ std::string boxTooSmall(const std::filesystem::path& file) {
     return localized("A box for “%@” is too small.", {shownName(file)});
 }
 
+std::string ofFile(const std::filesystem::path& file, std::string_view message) {
+    return localized("“%@”: %@", {lastPathComponent(file), message});
+}
+
 std::string noSuchPage(const std::filesystem::path& file, int page, std::size_t pageCount) {
     return localized("“%@” has no page %d; its last page is %d.",
                      {shownName(file), page, pageCount});

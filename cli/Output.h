@@ -31,6 +31,7 @@ void printRemarks(const std::filesystem::path& file, const DocumentIO::Document&
 [[nodiscard]] std::string alreadyThere(const std::filesystem::path& file);
 [[nodiscard]] std::string wouldBeLost(const std::filesystem::path& target);
 [[nodiscard]] std::string boxTooSmall(const std::filesystem::path& file);
+[[nodiscard]] std::string ofFile(const std::filesystem::path& file, std::string_view message);
 [[nodiscard]] std::string noSuchPage(const std::filesystem::path& file, int page,
                                      std::size_t pageCount);
 

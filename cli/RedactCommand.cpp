@@ -51,8 +51,14 @@ public:
                 return alreadyThere(*target);
             }
         }
+        if (auto obstacle = obstacleTo(arguments.search, source, engines.recognition)) {
+            return obstacle;
+        }
         // What was found lies under the boxes that were given.
-        search(model, arguments.search, arguments.style);
+        if (auto failure =
+                search(model, arguments.search, arguments.style, source, engines.recognition)) {
+            return failure;
+        }
         if (!addBoxes(model, arguments)) {
             return boxTooSmall(source);
         }
@@ -114,6 +120,9 @@ bool redact(const RedactArguments& arguments, const Engines& engines) {
     std::ranges::for_each(obstacles, printFailure);
     if (!obstacles.empty()) {
         return false;
+    }
+    if (readsText(arguments.search)) {
+        warnOfMissingReader(engines.recognition);
     }
     RedactRun run(arguments, engines);
     auto next = targets.begin();

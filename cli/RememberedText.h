@@ -12,8 +12,7 @@ class RememberedText final : public TextRecognizer {
 public:
     explicit RememberedText(TextRecognizer& used) : recognizer(used) {}
 
-    [[nodiscard]] std::optional<std::vector<RecognizedLine>>
-    recognize(const Bitmap& page) override {
+    [[nodiscard]] RecognizedText recognize(const Bitmap& page) override {
         const auto known = pages.find(&page);
         if (known != pages.end()) {
             return known->second;
@@ -21,9 +20,11 @@ public:
         return pages[&page] = recognizer.recognize(page);
     }
 
+    [[nodiscard]] Readiness readiness() override { return recognizer.readiness(); }
+
 private:
     TextRecognizer& recognizer;
-    std::map<const Bitmap*, std::optional<std::vector<RecognizedLine>>> pages;
+    std::map<const Bitmap*, RecognizedText> pages;
 };
 
 } // namespace murkwell::cli

@@ -19,7 +19,8 @@ Failure printBox(const std::filesystem::path& source, std::size_t page,
                       {"detected", redaction.detected}});
 }
 
-// A message when the file could not be done. A saved document's own boxes are printed as well.
+// A message when the file could not be done. A saved document's own boxes are printed as well, and
+// what was found where something else could not be searched.
 std::optional<std::string> scanFile(const std::filesystem::path& source,
                                     const ScanArguments& arguments, const Engines& engines) {
     HeadlessModel headless(engines);
@@ -31,7 +32,8 @@ std::optional<std::string> scanFile(const std::filesystem::path& source,
     if (pages.empty()) {
         return noSuchPage(source, *arguments.search.page, model.document()->pages.size());
     }
-    search(model, arguments.search, RedactionStyle::solidBlack);
+    const Failure unsearched =
+        search(model, arguments.search, RedactionStyle::solidBlack, source, engines.recognition);
     for (const std::size_t index : pages) {
         for (const Redaction& redaction : model.redactionsByPage()[index]) {
             if (auto failure = printBox(source, index + 1, redaction)) {
@@ -39,12 +41,18 @@ std::optional<std::string> scanFile(const std::filesystem::path& source,
             }
         }
     }
-    return std::nullopt;
+    // What is missing says more than which pages lack it.
+    const Failure obstacle =
+        unsearched ? obstacleTo(arguments.search, source, engines.recognition) : std::nullopt;
+    return obstacle ? obstacle : unsearched;
 }
 
 } // namespace
 
 bool scan(const ScanArguments& arguments, const Engines& engines) {
+    if (readsText(arguments.search)) {
+        warnOfMissingReader(engines.recognition);
+    }
     return forEachSource(arguments.sources, [&](const std::filesystem::path& source) {
         return scanFile(source, arguments, engines);
     });

@@ -46,21 +46,27 @@ std::optional<std::string> readFile(const std::filesystem::path& source,
     if (pages.empty()) {
         return noSuchPage(source, *arguments.page, document->pages.size());
     }
+    if (auto obstacle = obstacleToText(source, engines.recognition)) {
+        return obstacle;
+    }
+    SearchReport report;
     for (const std::size_t index : pages) {
         const Bitmap& page = *document->pages[index].image;
-        const auto lines = engines.recognition.textRecognizer.recognize(page);
-        for (const RecognizedLine& line : lines.value_or(std::vector<RecognizedLine>())) {
+        const auto [lines, outcome] = engines.recognition.textRecognizer.recognize(page);
+        report.add(index, {{}, outcome, std::nullopt});
+        for (const RecognizedLine& line : lines) {
             if (auto failure = printLine(source, index + 1, page, line)) {
                 return failure;
             }
         }
     }
-    return std::nullopt;
+    return failureOf(report, source, engines.recognition);
 }
 
 } // namespace
 
 bool text(const TextArguments& arguments, const Engines& engines) {
+    warnOfMissingReader(engines.recognition);
     return forEachSource(arguments.sources, [&](const std::filesystem::path& source) {
         return readFile(source, arguments, engines);
     });

@@ -21,25 +21,6 @@ namespace {
 
 using namespace murkwell;
 
-// Says which engines are missing for what is asked.
-void reportMissing(bool readsText, bool findsFaces, TextRecognizerCombined& textRecognizer,
-                   FaceDetectorUltraFace& faceDetector) {
-    if (readsText && textRecognizer.readsWithTesseractAlone()) {
-        std::cerr << "Text is read by Tesseract alone, which misses more: ONNX Runtime or its "
-                     "models are missing.\n";
-    }
-    if (findsFaces && !faceDetector.isUsable()) {
-        std::cerr << "Faces are not found: ONNX Runtime or its model is missing.\n";
-    }
-}
-
-void reportMissing(const cli::SearchArguments& search, TextRecognizerCombined& textRecognizer,
-                   FaceDetectorUltraFace& faceDetector) {
-    const bool findsFaces = search.kinds.contains(PIIKind::faces);
-    const bool readsText = !search.queries.empty() || search.kinds.size() > (findsFaces ? 1U : 0U);
-    reportMissing(readsText, findsFaces, textRecognizer, faceDetector);
-}
-
 int printEnding(const cli::Ending& ending) {
     if (ending.exitCode != 0) {
         cli::printFailure(ending.text);
@@ -85,13 +66,10 @@ int run(int argc, char** argv) {
             if constexpr (std::is_same_v<Chosen, cli::Ending>) {
                 return printEnding(chosen);
             } else if constexpr (std::is_same_v<Chosen, cli::RedactArguments>) {
-                reportMissing(chosen.search, textRecognizer, faceDetector);
                 return cli::redact(chosen, engines) ? 0 : 1;
             } else if constexpr (std::is_same_v<Chosen, cli::ScanArguments>) {
-                reportMissing(chosen.search, textRecognizer, faceDetector);
                 return cli::scan(chosen, engines) ? 0 : 1;
             } else if constexpr (std::is_same_v<Chosen, cli::TextArguments>) {
-                reportMissing(true, false, textRecognizer, faceDetector);
                 return cli::text(chosen, engines) ? 0 : 1;
             } else {
                 return cli::info(chosen, engines) ? 0 : 1;

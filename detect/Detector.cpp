@@ -41,14 +41,11 @@ std::vector<PatternMatcher> matchersFor(const PIIKinds& kinds) {
     return matchers;
 }
 
-void addTextMatches(const Bitmap& image, const PIIKinds& kinds, TextRecognizer& recognizer,
-                    Results& results) {
-    const auto lines = recognizer.recognize(image);
-    if (!lines) {
-        return;
-    }
+Outcome addTextMatches(const Bitmap& image, const PIIKinds& kinds, TextRecognizer& recognizer,
+                       Results& results) {
+    const auto [lines, outcome] = recognizer.recognize(image);
     const std::vector<PatternMatcher> matchers = matchersFor(kinds);
-    for (const RecognizedLine& line : *lines) {
+    for (const RecognizedLine& line : lines) {
         const std::u16string text = Characters::fromUtf8(line.text);
         for (const PatternMatcher& matcher : matchers) {
             for (const TextRange& range : matcher.matches(text)) {
@@ -56,52 +53,57 @@ void addTextMatches(const Bitmap& image, const PIIKinds& kinds, TextRecognizer& 
             }
         }
     }
+    return outcome;
 }
 
-void addFaces(const Bitmap& image, FaceDetector& detector, Results& results) {
+Outcome addFaces(const Bitmap& image, FaceDetector& detector, Results& results) {
     const auto faces = detector.detectFaces(image);
     if (!faces) {
-        return;
+        return Outcome::failed;
     }
     for (const RecognizerRect& face : *faces) {
         results.add(expandedFace(face));
     }
+    return Outcome::whole;
 }
 
 } // namespace
 
-std::vector<Redaction> detect(const Bitmap& image, const PIIKinds& kinds, RedactionStyle style,
-                              const Engines& engines) {
-    Results results(style, engines.random);
-    if (std::ranges::any_of(kinds, [](PIIKind kind) { return pattern(kind).has_value(); })) {
-        addTextMatches(image, kinds, engines.textRecognizer, results);
-    }
-    if (kinds.contains(PIIKind::faces)) {
-        addFaces(image, engines.faceDetector, results);
-    }
-    return std::move(results.redactions);
+bool readsText(const PIIKinds& kinds) {
+    return std::ranges::any_of(kinds, [](PIIKind kind) { return pattern(kind).has_value(); });
 }
 
-std::vector<Redaction> findMatches(std::string_view query, const Bitmap& image, bool fuzzy,
-                                   RedactionStyle style, const Engines& engines) {
+Findings detect(const Bitmap& image, const PIIKinds& kinds, RedactionStyle style,
+                const Engines& engines) {
+    Results results(style, engines.random);
+    Findings findings;
+    if (readsText(kinds)) {
+        findings.text = addTextMatches(image, kinds, engines.textRecognizer, results);
+    }
+    if (kinds.contains(PIIKind::faces)) {
+        findings.faces = addFaces(image, engines.faceDetector, results);
+    }
+    findings.redactions = std::move(results.redactions);
+    return findings;
+}
+
+Findings findMatches(std::string_view query, const Bitmap& image, bool fuzzy, RedactionStyle style,
+                     const Engines& engines) {
     const std::u16string typed = Characters::fromUtf8(query);
     const std::u16string_view wanted = Characters::trimmed(typed);
     if (wanted.empty()) {
         return {};
     }
-    const auto lines = engines.textRecognizer.recognize(image);
-    if (!lines) {
-        return {};
-    }
+    const auto [lines, outcome] = engines.textRecognizer.recognize(image);
     Results results(style, engines.random);
-    for (const RecognizedLine& line : *lines) {
+    for (const RecognizedLine& line : lines) {
         const std::u16string text = Characters::fromUtf8(line.text);
         const auto ranges = fuzzy ? fuzzyRanges(wanted, text) : exactRanges(wanted, text);
         for (const TextRange& range : ranges) {
             results.add(boxOf(line, text, range));
         }
     }
-    return std::move(results.redactions);
+    return {std::move(results.redactions), outcome, std::nullopt};
 }
 
 } // namespace murkwell::Detector

@@ -6,6 +6,7 @@
 #include "detect/PIIKind.h"
 #include "detect/Recognition.h"
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -22,17 +23,26 @@ struct Engines {
     RandomSource& random;
 };
 
+// What the search of one page gave.
+struct Findings {
+    std::vector<Redaction> redactions; // all that was found, whatever failed
+    std::optional<Outcome> text;       // none when no text was asked for
+    std::optional<Outcome> faces;      // none when no faces were asked for
+};
+
 // A box, marked as detected, for every match of every kind; matches in text come before faces.
-// Text is read only when a kind has a pattern. A failing engine gives fewer boxes, never an error.
-[[nodiscard]] std::vector<Redaction> detect(const Bitmap& image, const PIIKinds& kinds,
-                                            RedactionStyle style, const Engines& engines);
+// Text is read only when a kind has a pattern.
+[[nodiscard]] Findings detect(const Bitmap& image, const PIIKinds& kinds, RedactionStyle style,
+                              const Engines& engines);
 
 // A box, marked as detected, for every occurrence of the query (UTF-8) in the text of the page:
 // as typed but for letter case, or, when fuzzy, every word close to one of its words. A query of
 // white space finds nothing and nothing is read.
-[[nodiscard]] std::vector<Redaction> findMatches(std::string_view query, const Bitmap& image,
-                                                 bool fuzzy, RedactionStyle style,
-                                                 const Engines& engines);
+[[nodiscard]] Findings findMatches(std::string_view query, const Bitmap& image, bool fuzzy,
+                                   RedactionStyle style, const Engines& engines);
+
+// Whether any of these kinds is looked for in text.
+[[nodiscard]] bool readsText(const PIIKinds& kinds);
 
 } // namespace Detector
 } // namespace murkwell

@@ -7,11 +7,26 @@
 #include "core/Bitmap.h"
 #include "core/Geometry.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace murkwell {
+
+// How much of its work an engine did, or would do here; the later the worse.
+enum class Outcome : std::uint8_t {
+    whole,
+    partial, // text only: one of several readers is missing or failed, another one read the page
+    failed,  // it is missing or broke: there may be more than it found
+};
+
+struct Readiness {
+    Outcome outcome = Outcome::whole;
+    // Libraries and files that are missing or damaged, by the names they have in every language.
+    // Some unless the outcome is whole.
+    std::vector<std::string> missing;
+};
 
 // One printed line, or the part of one that belongs together.
 struct RecognizedLine {
@@ -22,13 +37,19 @@ struct RecognizedLine {
     std::vector<RecognizerRect> characterBoxes;
 };
 
+struct RecognizedText {
+    std::vector<RecognizedLine> lines; // in reading order; what there is, whatever the outcome
+    Outcome outcome = Outcome::whole;
+};
+
 class TextRecognizer {
 public:
     virtual ~TextRecognizer() = default;
 
-    // Lines in reading order. None when the engine is missing or fails.
-    [[nodiscard]] virtual std::optional<std::vector<RecognizedLine>>
-    recognize(const Bitmap& image) = 0;
+    [[nodiscard]] virtual RecognizedText recognize(const Bitmap& image) = 0;
+
+    // What it could do now. Loads what recognize() needs, which takes a while.
+    [[nodiscard]] virtual Readiness readiness() = 0;
 };
 
 class FaceDetector {
@@ -38,6 +59,9 @@ public:
     // Boxes from forehead to chin. None when the engine is missing or fails.
     [[nodiscard]] virtual std::optional<std::vector<RecognizerRect>>
     detectFaces(const Bitmap& image) = 0;
+
+    // What it could do now, whole or failed. Loads what detectFaces() needs.
+    [[nodiscard]] virtual Readiness readiness() = 0;
 };
 
 } // namespace murkwell

@@ -10,6 +10,7 @@
 #include "io/MurkwellDocument.h"
 #include "model/PageLists.h"
 #include "model/Published.h"
+#include "model/SearchReport.h"
 #include "model/Services.h"
 #include "model/Turns.h"
 
@@ -67,6 +68,8 @@ public:
     Published<std::optional<std::string>> errorMessage{observers, {}};
     Published<std::optional<std::string>> statusMessage{observers, {}};
     Published<std::optional<std::filesystem::path>> lastExportURL{observers, {}};
+    // What searches can find on this computer; everything, until prepareSearch() has learned more.
+    Published<SearchReadiness> searchReadiness{observers, {}};
 
     // Views of the state, computed when asked for.
     [[nodiscard]] const PageLists::Page& currentRedactions() const; // until the next change
@@ -109,6 +112,10 @@ public:
     // Searches. They return at once; what is found is added later, in one undo step.
     void autoDetect();
     void redactMatches(std::string_view query, bool fuzzy); // UTF-8
+    // What the last search could not do; none before the first, and when it broke as a whole.
+    [[nodiscard]] const std::optional<SearchReport>& lastSearch() const { return searchReport; }
+    // Loads in the background what searches need, and learns what is missing.
+    void prepareSearch();
 
     // Files. Work that is open is replaced without a question. One at a time: an operation that is
     // asked for while a panel is up runs when that panel's operation is over. It is dropped if that
@@ -145,7 +152,11 @@ private:
         std::size_t page;
         std::vector<Redaction> redactions;
     };
-    using Search = std::function<std::vector<Redaction>(const Bitmap&)>;
+    struct SearchResults {
+        std::vector<PageMatches> matches;
+        SearchReport report;
+    };
+    using Search = std::function<Detector::Findings(const Bitmap&)>;
 
     // What a search needs until it ends, whatever happens to the model meanwhile.
     struct SearchRun {
@@ -169,8 +180,10 @@ private:
 
     [[nodiscard]] std::vector<std::int64_t> targetPages() const;
     void runFind(std::string_view name, Operation operation, Search search);
-    [[nodiscard]] static std::optional<std::vector<PageMatches>> searchPages(const SearchRun& run);
-    void finishFind(const SearchRun& run, const std::optional<std::vector<PageMatches>>& results);
+    [[nodiscard]] static std::optional<SearchResults> searchPages(const SearchRun& run);
+    void finishFind(const SearchRun& run, std::optional<SearchResults> results);
+    // The message for what was added, in one undo step.
+    [[nodiscard]] std::string add(const SearchRun& run, const std::vector<PageMatches>& additions);
     [[nodiscard]] std::vector<PageMatches>
     withoutDuplicates(const std::vector<PageMatches>& results) const;
 
@@ -198,6 +211,8 @@ private:
     bool interactiveActive = false;
     std::function<void()> finishOfGesture; // null without one
     Turns turns;
+    bool isPreparingSearch = false;
+    std::optional<SearchReport> searchReport;
     std::optional<SharedBytes> sourceData;
     std::optional<std::string> sourceFilename;
     // Searches hold it weakly: once it is gone, so is the model.

@@ -86,36 +86,62 @@ void RedactModel::runFind(std::string_view name, Operation operation, Search sea
     }
 }
 
-// On a background thread: page after page, in order. None when it could not be finished.
-std::optional<std::vector<RedactModel::PageMatches>>
-RedactModel::searchPages(const SearchRun& run) {
+// On a background thread: page after page, in order. A page that throws, for want of memory most
+// likely, has failed alone. None when the search could not be finished.
+std::optional<RedactModel::SearchResults> RedactModel::searchPages(const SearchRun& run) {
+    const auto searched = [&](const Bitmap& image) -> std::optional<Detector::Findings> {
+        try {
+            return run.search(image);
+        } catch (const std::exception&) {
+            return std::nullopt;
+        }
+    };
     try {
-        std::vector<PageMatches> results;
+        SearchResults results;
         for (const std::int64_t page : run.targetPages) {
-            if (page >= 0 && static_cast<std::uint64_t>(page) < run.images.size()) {
-                const auto index = static_cast<std::size_t>(page);
-                results.push_back({index, run.search(*run.images[index])});
+            if (page < 0 || static_cast<std::uint64_t>(page) >= run.images.size()) {
+                continue;
+            }
+            const auto index = static_cast<std::size_t>(page);
+            if (auto findings = searched(*run.images[index])) {
+                results.report.add(index, *findings);
+                results.matches.push_back({index, std::move(findings->redactions)});
+            } else {
+                results.report.addUnsearched(index);
             }
         }
         return results;
     } catch (const std::exception&) {
-        return std::nullopt; // no memory, most likely
+        return std::nullopt;
     }
 }
 
-// What was found goes to the work that is open now, judged by the boxes that are there now.
-void RedactModel::finishFind(const SearchRun& run,
-                             const std::optional<std::vector<PageMatches>>& results) {
+// What was found goes to the work that is open now, judged by the boxes that are there now. What
+// could not be searched is an error, whatever was found elsewhere; then nothing is said to have
+// been found to be clean.
+void RedactModel::finishFind(const SearchRun& run, std::optional<SearchResults> results) {
     activeOperation = std::nullopt;
+    searchReport = results ? std::optional(std::move(results->report)) : std::nullopt;
     if (!results) {
         errorMessage = localized("The search could not be finished.");
         return;
     }
-    const std::vector<PageMatches> additions = withoutDuplicates(*results);
-    if (additions.empty()) {
-        statusMessage = nothingFoundMessage(run.targetPages.size());
-        return;
+    const std::vector<PageMatches> additions = withoutDuplicates(results->matches);
+    std::optional<std::string> done;
+    if (!additions.empty()) {
+        done = add(run, additions);
+    } else if (searchReport->coversEverything()) {
+        done = nothingFoundMessage(run.targetPages.size());
     }
+    if (done) {
+        statusMessage = done;
+    }
+    if (const std::string trouble = searchReport->message(); !trouble.empty()) {
+        errorMessage = done ? *done + " " + trouble : trouble;
+    }
+}
+
+std::string RedactModel::add(const SearchRun& run, const std::vector<PageMatches>& additions) {
     checkpoint(run.name);
     std::size_t added = 0;
     redactionsByPage.change([&](PageLists& lists) {
@@ -125,7 +151,7 @@ void RedactModel::finishFind(const SearchRun& run,
             added += fresh.size();
         }
     });
-    statusMessage = addedMessage(added, additions.size(), run.targetPages.size());
+    return addedMessage(added, additions.size(), run.targetPages.size());
 }
 
 // Pages that the open work does not have, and pages with nothing new, are left out.
@@ -143,6 +169,27 @@ RedactModel::withoutDuplicates(const std::vector<PageMatches>& results) const {
         }
     }
     return additions;
+}
+
+void RedactModel::prepareSearch() {
+    if (activeOperation() || isPreparingSearch) {
+        return;
+    }
+    isPreparingSearch = true;
+    const bool isBegun = services.executor.background([engines = services.detection,
+                                                       &executor = services.executor,
+                                                       alive = std::weak_ptr(liveness)] {
+        SearchReadiness ready{engines.textRecognizer.readiness(), engines.faceDetector.readiness()};
+        executor.onMain([ready = std::move(ready), alive] {
+            if (const auto model = alive.lock()) {
+                (*model)->isPreparingSearch = false;
+                (*model)->searchReadiness = ready;
+            }
+        });
+    });
+    if (!isBegun) {
+        isPreparingSearch = false;
+    }
 }
 
 } // namespace murkwell

@@ -32,6 +32,10 @@ StatusText statusText(const RedactModel& model) {
                            : StatusText{Kind::warning, remarks};
 }
 
+std::string onLines(const std::string& one, const std::string& other) {
+    return one + (one.empty() || other.empty() ? "" : "\n") + other;
+}
+
 std::string_view nameFormat(RedactionStyle style, bool detected) {
     switch (style) {
     case RedactionStyle::solidBlack:
@@ -56,7 +60,10 @@ WindowState::WindowState(const RedactModel& model)
       canClear(redactionCount > 0), canClearPage(!model.currentRedactions().empty()),
       canClearDetected(model.hasDetectedRedactions()), canReveal(model.lastExportURL().has_value()),
       canExport(redactionCount > 0), running(model.activeOperation()), canSearch(!running),
-      canDetect(canSearch && !model.detectKinds().empty()), status(statusText(model)) {}
+      canDetect(canSearch && !model.detectKinds().empty()),
+      missingForFind(missingForText(model.searchReadiness().text)),
+      missingForDetect(onLines(missingForFind, missingForFaces(model.searchReadiness().faces))),
+      status(statusText(model)) {}
 
 bool canRedactMatches(const WindowState& state, std::string_view findQuery) {
     return state.canSearch && !withoutOuterWhiteSpace(findQuery).empty();

@@ -45,6 +45,10 @@ struct WindowState {
     bool canSearch; // no search is running
     bool canDetect; // and a kind is chosen
 
+    // What searches lack on this computer, as far as it is known; empty when nothing.
+    std::string missingForFind;
+    std::string missingForDetect;
+
     StatusText status;
 };
 

@@ -36,7 +36,8 @@ public:
                                                  std::optional<double>) override {
         return {};
     }
-    std::optional<std::vector<RecognizedLine>> recognize(const Bitmap&) override { return {}; }
+    RecognizedText recognize(const Bitmap&) override { return {}; }
+    Readiness readiness() override { return {}; }
     std::optional<std::vector<RecognizerRect>> detectFaces(const Bitmap&) override { return {}; }
 };
 

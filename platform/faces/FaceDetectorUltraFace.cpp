@@ -24,6 +24,8 @@ struct FaceDetectorUltraFace::Network {
 
 namespace {
 
+constexpr const char* modelFile = "faces.onnx";
+
 // All numbers were chosen together, on photographs, identity cards, web pages, letters and pages
 // without any face.
 constexpr double finestLongSide = 1600;  // pixels of the largest copy that is searched
@@ -144,8 +146,9 @@ cv::Mat lookAt(const cv::Mat& pixels, const cv::Rect2d& face, double faceSide) {
     return look;
 }
 
-// Mean score of the face over the second looks.
-double lookAgain(const cv::Mat& pixels, const cv::Rect2d& face, OnnxSession& network) {
+// Mean score of the face over the second looks; none when the network fails.
+std::optional<double> lookAgain(const cv::Mat& pixels, const cv::Rect2d& face,
+                                OnnxSession& network) {
     constexpr double weakest = .1;
     constexpr double same = .3;
     double sum = 0;
@@ -156,7 +159,10 @@ double lookAgain(const cv::Mat& pixels, const cv::Rect2d& face, OnnxSession& net
                                   size);
         double best = 0;
         const auto seen = findCandidates(lookAt(pixels, face, faceSide), weakest, network);
-        for (const auto& [box, score] : seen.value_or(std::vector<FaceCandidate>())) {
+        if (!seen) {
+            return std::nullopt;
+        }
+        for (const auto& [box, score] : *seen) {
             if (overlap(box, expected) > same) {
                 best = std::max(best, score);
             }
@@ -166,12 +172,42 @@ double lookAgain(const cv::Mat& pixels, const cv::Rect2d& face, OnnxSession& net
     return sum / lookFaceSides.size();
 }
 
-bool isFace(const cv::Mat& pixels, const FaceCandidate& candidate, OnnxSession& network) {
+// None when the network fails.
+std::optional<bool> isFace(const cv::Mat& pixels, const FaceCandidate& candidate,
+                           OnnxSession& network) {
     if (side(candidate.box) * std::min(1.0, finestScale(pixels)) < smallestFace) {
         return false;
     }
-    const double again = lookAgain(pixels, candidate.box, network);
-    return again >= secondLookScore && candidate.score + again >= leastSum;
+    const auto again = lookAgain(pixels, candidate.box, network);
+    if (!again) {
+        return std::nullopt;
+    }
+    return *again >= secondLookScore && candidate.score + *again >= leastSum;
+}
+
+// Boxes inside the picture. None when the network fails.
+std::optional<std::vector<FaceCandidate>> facesIn(const Bitmap& image, OnnxSession& network) {
+    const cv::Mat pixels = withoutGrain(pixelsOf(image));
+    const auto candidates = searchAllSizes(pixels, network);
+    if (!candidates) {
+        return std::nullopt;
+    }
+    const cv::Rect2d page(0, 0, pixels.cols, pixels.rows);
+    std::vector<FaceCandidate> faces;
+    for (const FaceCandidate& candidate : *candidates) {
+        const cv::Rect2d inside = candidate.box & page;
+        if (inside.area() <= 0) {
+            continue;
+        }
+        const auto isOne = isFace(pixels, candidate, network);
+        if (!isOne) {
+            return std::nullopt;
+        }
+        if (*isOne) {
+            faces.push_back({inside, candidate.score});
+        }
+    }
+    return faces;
 }
 
 } // namespace
@@ -179,33 +215,36 @@ bool isFace(const cv::Mat& pixels, const FaceCandidate& candidate, OnnxSession& 
 FaceDetectorUltraFace::FaceDetectorUltraFace() : loaded(std::make_unique<Network>()) {}
 FaceDetectorUltraFace::~FaceDetectorUltraFace() = default;
 
-bool FaceDetectorUltraFace::isUsable() {
+OnnxSession* FaceDetectorUltraFace::network() {
     std::call_once(loaded->once, [this] {
-        if (const auto model = installedModel("faces.onnx")) {
+        if (const auto model = installedModel(modelFile)) {
             loaded->session = OnnxSession::load(*model, faceNetworkOutputs,
                                                 static_cast<int>(availableProcessors()));
         }
     });
-    return loaded->session != nullptr;
+    return loaded->session.get();
+}
+
+Readiness FaceDetectorUltraFace::readiness() {
+    if (network() != nullptr) {
+        return {};
+    }
+    return {Outcome::failed, {OnnxSession::hasLibrary() ? modelFile : OnnxSession::libraryName}};
 }
 
 std::optional<std::vector<RecognizerRect>> FaceDetectorUltraFace::detectFaces(const Bitmap& image) {
-    if (!isUsable()) {
+    OnnxSession* const session = network();
+    if (session == nullptr) {
         return std::nullopt;
     }
     try {
-        const cv::Mat pixels = withoutGrain(pixelsOf(image));
-        const auto candidates = searchAllSizes(pixels, *loaded->session);
-        if (!candidates) {
+        const auto found = facesIn(image, *session);
+        if (!found) {
             return std::nullopt;
         }
-        const cv::Rect2d page(0, 0, pixels.cols, pixels.rows);
         std::vector<RecognizerRect> faces;
-        for (const FaceCandidate& candidate : *candidates) {
-            const cv::Rect2d inside = candidate.box & page;
-            if (inside.area() > 0 && isFace(pixels, candidate, *loaded->session)) {
-                faces.push_back(recognizerRect(inside, image));
-            }
+        for (const FaceCandidate& face : *found) {
+            faces.push_back(recognizerRect(face.box, image));
         }
         return faces;
     } catch (const std::exception&) {

@@ -8,6 +8,8 @@
 
 namespace murkwell {
 
+class OnnxSession;
+
 class FaceDetectorUltraFace final : public FaceDetector {
 public:
     FaceDetectorUltraFace();
@@ -16,12 +18,13 @@ public:
     // None without ONNX Runtime or the model.
     [[nodiscard]] std::optional<std::vector<RecognizerRect>>
     detectFaces(const Bitmap& image) override;
-
-    // Whether it can find faces at all; loads the model.
-    [[nodiscard]] bool isUsable();
+    [[nodiscard]] Readiness readiness() override;
 
 private:
     struct Network;
+
+    // Null when it is missing or damaged.
+    OnnxSession* network();
 
     std::unique_ptr<Network> loaded;
 };

@@ -6,10 +6,20 @@
 #include <utility>
 
 namespace murkwell {
+namespace {
 
-std::optional<std::vector<RecognizedLine>> TextRecognizerCombined::recognize(const Bitmap& image) {
-    std::optional<std::vector<RecognizedLine>> first;
-    std::optional<std::vector<RecognizedLine>> second;
+Outcome together(Outcome first, Outcome second) {
+    if (first == second) {
+        return first;
+    }
+    return Outcome::partial;
+}
+
+} // namespace
+
+RecognizedText TextRecognizerCombined::recognize(const Bitmap& image) {
+    RecognizedText first{{}, Outcome::failed};
+    RecognizedText second{{}, Outcome::failed};
     // A reader that throws has read nothing, as one that fails; the other stands in for it.
     static_cast<void>(parallelFor(2, [&](std::size_t reader) {
         if (reader == 0) {
@@ -18,10 +28,17 @@ std::optional<std::vector<RecognizedLine>> TextRecognizerCombined::recognize(con
             second = tesseract.recognize(image);
         }
     }));
-    if (!first || !second) {
-        return first ? std::move(first) : std::move(second);
-    }
-    return mergeReadings(std::move(*first), std::move(*second), {image.width(), image.height()});
+    return {mergeReadings(std::move(first.lines), std::move(second.lines),
+                          {image.width(), image.height()}),
+            together(first.outcome, second.outcome)};
+}
+
+Readiness TextRecognizerCombined::readiness() {
+    Readiness both = ppOcr.readiness();
+    const Readiness second = tesseract.readiness();
+    both.outcome = together(both.outcome, second.outcome);
+    both.missing.insert(both.missing.end(), second.missing.begin(), second.missing.end());
+    return both;
 }
 
 } // namespace murkwell

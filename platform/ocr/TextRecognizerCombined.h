@@ -6,14 +6,11 @@
 
 namespace murkwell {
 
-// Both read at the same time. Where one cannot, the other reads alone.
+// Both read at the same time. Where one cannot, the other reads alone, which is partial.
 class TextRecognizerCombined final : public TextRecognizer {
 public:
-    [[nodiscard]] std::optional<std::vector<RecognizedLine>>
-    recognize(const Bitmap& image) override;
-
-    // Whether Tesseract has to do without PP-OCR; loads the models.
-    [[nodiscard]] bool readsWithTesseractAlone() { return !ppOcr.isUsable(); }
+    [[nodiscard]] RecognizedText recognize(const Bitmap& image) override;
+    [[nodiscard]] Readiness readiness() override;
 
 private:
     TextRecognizerPpOcr ppOcr;

@@ -15,7 +15,9 @@
 #include <fstream>
 #include <mutex>
 #include <numeric>
+#include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace murkwell {
 
@@ -30,6 +32,10 @@ struct TextRecognizerPpOcr::Networks {
 
 namespace {
 
+constexpr const char* linesModel = "text-lines.onnx";
+constexpr const char* readerModel = "text-reader.onnx";
+constexpr const char* alphabetFile = "characters.txt";
+
 std::unique_ptr<OnnxSession> loadNetwork(const char* name, int threads) {
     const auto file = installedModel(name);
     return file ? OnnxSession::load(*file, 1, threads) : nullptr;
@@ -37,7 +43,7 @@ std::unique_ptr<OnnxSession> loadNetwork(const char* name, int threads) {
 
 // One character a line. Empty when the file is missing or holds anything else.
 std::string loadAlphabet() {
-    const auto file = installedModel("characters.txt");
+    const auto file = installedModel(alphabetFile);
     std::ifstream in(file.value_or(std::filesystem::path()));
     std::string alphabet;
     for (std::string line; std::getline(in, line);) {
@@ -82,13 +88,16 @@ PageLine pageLine(const LineStrip& strip, const std::vector<PlacedCharacter>& ch
     return line;
 }
 
-// None when there is nothing to read.
+// None when there is nothing to read. Throws when the network fails.
 std::optional<ReadLine> read(const cv::Mat& pixels, const cv::RotatedRect& place, Reading reading,
                              const Reader& reader) {
     const auto strip = cutStrip(pixels, place, reading);
-    const auto seen = strip ? readStrip(*strip, reader.network, reader.alphabet) : std::nullopt;
-    if (!seen || seen->empty()) {
+    if (!strip) {
         return std::nullopt;
+    }
+    const auto seen = readStrip(*strip, reader.network, reader.alphabet);
+    if (!seen) {
+        throw std::runtime_error("the network that reads lines has failed");
     }
     const auto placed = placeCharacters(*seen, strip->image);
     if (placed.empty()) {
@@ -120,22 +129,23 @@ std::optional<PageLine> readEitherWay(const cv::Mat& pixels, const cv::RotatedRe
     }
 }
 
-// None when not every place could be looked at.
-std::optional<std::vector<PageLine>>
-readLines(const cv::Mat& pixels, const std::vector<cv::RotatedRect>& places, const Reader& reader) {
-    std::vector<std::optional<PageLine>> read(places.size());
-    const bool allRan = parallelFor(
-        places.size(), [&](std::size_t i) { read[i] = readEitherWay(pixels, places[i], reader); });
-    if (!allRan) {
-        return std::nullopt;
-    }
+struct ReadLines {
     std::vector<PageLine> lines;
+    bool isWhole; // false when not every place could be looked at
+};
+
+ReadLines readLines(const cv::Mat& pixels, const std::vector<cv::RotatedRect>& places,
+                    const Reader& reader) {
+    std::vector<std::optional<PageLine>> read(places.size());
+    const bool isWhole = parallelFor(
+        places.size(), [&](std::size_t i) { read[i] = readEitherWay(pixels, places[i], reader); });
+    ReadLines result{{}, isWhole};
     for (auto& line : read) {
         if (line) {
-            lines.push_back(std::move(*line));
+            result.lines.push_back(std::move(*line));
         }
     }
-    return lines;
+    return result;
 }
 
 } // namespace
@@ -146,42 +156,54 @@ TextRecognizerPpOcr::~TextRecognizerPpOcr() = default;
 TextRecognizerPpOcr::Networks& TextRecognizerPpOcr::networks() {
     std::call_once(loaded->once, [this] {
         // Lines are read one per processor; finding them is one run that all processors share.
-        loaded->finder = loadNetwork("text-lines.onnx", static_cast<int>(availableProcessors()));
-        loaded->reader = loadNetwork("text-reader.onnx", 1);
+        loaded->finder = loadNetwork(linesModel, static_cast<int>(availableProcessors()));
+        loaded->reader = loadNetwork(readerModel, 1);
         loaded->alphabet = loadAlphabet();
     });
     return *loaded;
 }
 
-bool TextRecognizerPpOcr::isUsable() {
-    return networks().complete();
+Readiness TextRecognizerPpOcr::readiness() {
+    const Networks& found = networks();
+    if (found.complete()) {
+        return {};
+    }
+    if (!OnnxSession::hasLibrary()) {
+        return {Outcome::failed, {OnnxSession::libraryName}};
+    }
+    Readiness lacking{Outcome::failed, {}};
+    for (const auto& [isThere, name] : {std::pair(found.finder != nullptr, linesModel),
+                                        {found.reader != nullptr, readerModel},
+                                        {!found.alphabet.empty(), alphabetFile}}) {
+        if (!isThere) {
+            lacking.missing.emplace_back(name);
+        }
+    }
+    return lacking;
 }
 
-std::optional<std::vector<RecognizedLine>> TextRecognizerPpOcr::recognize(const Bitmap& image) {
-    if (!isUsable()) {
-        return std::nullopt;
+RecognizedText TextRecognizerPpOcr::recognize(const Bitmap& image) {
+    if (!networks().complete()) {
+        return {{}, Outcome::failed};
     }
     try {
         const cv::Mat pixels = pixelsOf(image);
         auto places = findLines(pixels, *loaded->finder);
         if (!places) {
-            return std::nullopt;
+            return {{}, Outcome::failed};
         }
         // Long lines first, so that no processor is left with one at the end.
         std::ranges::sort(*places, std::ranges::greater(), [](const cv::RotatedRect& place) {
             return std::max(place.size.width, place.size.height);
         });
-        auto parts = readLines(pixels, *places, {*loaded->reader, loaded->alphabet});
-        if (!parts) {
-            return std::nullopt;
+        auto [parts, isWhole] = readLines(pixels, *places, {*loaded->reader, loaded->alphabet});
+        RecognizedText text{{}, isWhole ? Outcome::whole : Outcome::failed};
+        for (PageLine& line : joinLines(std::move(parts))) {
+            text.lines.push_back(recognizedLine(std::move(line), image));
         }
-        std::vector<RecognizedLine> lines;
-        for (PageLine& line : joinLines(std::move(*parts))) {
-            lines.push_back(recognizedLine(std::move(line), image));
-        }
-        return lines;
+        return text;
     } catch (const std::exception&) {
-        return std::nullopt;
+        return {{}, Outcome::failed};
     }
 }
 

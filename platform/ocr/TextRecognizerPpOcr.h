@@ -13,12 +13,9 @@ public:
     TextRecognizerPpOcr();
     ~TextRecognizerPpOcr() override;
 
-    // None without ONNX Runtime or a whole set of models.
-    [[nodiscard]] std::optional<std::vector<RecognizedLine>>
-    recognize(const Bitmap& image) override;
-
-    // Whether it can read at all; loads the models.
-    [[nodiscard]] bool isUsable();
+    // Failed without ONNX Runtime or a whole set of models, and when a line could not be read.
+    [[nodiscard]] RecognizedText recognize(const Bitmap& image) override;
+    [[nodiscard]] Readiness readiness() override;
 
 private:
     struct Networks;

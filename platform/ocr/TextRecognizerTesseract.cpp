@@ -18,6 +18,7 @@
 namespace murkwell {
 namespace {
 
+constexpr const char* language = "eng";
 constexpr double enlargement = 2;    // Tesseract is at its best with 300 dots an inch
 constexpr double longestSide = 4800; // pixels of the enlarged page
 constexpr int pageResolution = 144;  // dots an inch of a page, about
@@ -31,8 +32,8 @@ std::unique_ptr<Api> makeApi() {
     const std::vector<std::string> names{"load_system_dawg", "load_freq_dawg", "debug_file"};
     const std::vector<std::string> values{"0", "0", "/dev/null"};
     auto api = std::make_unique<Api>();
-    if (api->Init(nullptr, "eng", tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values, false) !=
-        0) {
+    if (api->Init(nullptr, language, tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values,
+                  false) != 0) {
         return nullptr;
     }
     api->SetPageSegMode(tesseract::PSM_AUTO);
@@ -141,20 +142,24 @@ private:
     std::vector<PageLine> lines;
 };
 
-std::optional<std::vector<PageLine>> readPage(Api& api, const cv::Mat& pixels) {
+struct ReadPage {
+    std::vector<PageLine> lines;
+    bool isWhole; // false when time or memory ran out before the end
+};
+
+ReadPage readPage(Api& api, const cv::Mat& pixels) {
     const double scale = scaleFor(pixels);
     const cv::Mat grey = enlargedGrey(pixels, scale);
     api.SetImage(grey.data, grey.cols, grey.rows, 1, static_cast<int>(grey.step));
     api.SetSourceResolution(cvRound(pageResolution * scale));
     tesseract::ETEXT_DESC monitor;
     monitor.set_deadline_msecs(patience);
-    std::vector<PageLine> lines;
-    const bool read = api.Recognize(&monitor) == 0;
+    ReadPage read{{}, api.Recognize(&monitor) == 0};
     if (const std::unique_ptr<tesseract::ResultIterator> first(api.GetIterator()); first) {
-        lines = Collector(scale).collect(*first);
+        read.lines = Collector(scale).collect(*first);
     }
     api.Clear();
-    return read || !lines.empty() ? std::optional(std::move(lines)) : std::nullopt;
+    return read;
 }
 
 } // namespace
@@ -188,25 +193,35 @@ private:
 TextRecognizerTesseract::TextRecognizerTesseract() : pool(std::make_unique<Pool>()) {}
 TextRecognizerTesseract::~TextRecognizerTesseract() = default;
 
-std::optional<std::vector<RecognizedLine>> TextRecognizerTesseract::recognize(const Bitmap& image) {
+Readiness TextRecognizerTesseract::readiness() {
+    try {
+        keepToOneThread();
+        if (auto api = pool->take()) {
+            pool->giveBack(std::move(api));
+            return {};
+        }
+    } catch (const std::exception&) {
+        // No memory for it.
+    }
+    return {Outcome::failed, {std::string(language) + ".traineddata"}};
+}
+
+RecognizedText TextRecognizerTesseract::recognize(const Bitmap& image) {
     try {
         keepToOneThread();
         auto api = pool->take();
         if (!api) {
-            return std::nullopt;
+            return {{}, Outcome::failed};
         }
         auto read = readPage(*api, pixelsOf(image));
         pool->giveBack(std::move(api));
-        if (!read) {
-            return std::nullopt;
+        RecognizedText text{{}, read.isWhole ? Outcome::whole : Outcome::failed};
+        for (PageLine& line : read.lines) {
+            text.lines.push_back(recognizedLine(std::move(line), image));
         }
-        std::vector<RecognizedLine> lines;
-        for (PageLine& line : *read) {
-            lines.push_back(recognizedLine(std::move(line), image));
-        }
-        return lines;
+        return text;
     } catch (const std::exception&) {
-        return std::nullopt;
+        return {{}, Outcome::failed};
     }
 }
 

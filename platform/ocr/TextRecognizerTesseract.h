@@ -12,9 +12,9 @@ public:
     TextRecognizerTesseract();
     ~TextRecognizerTesseract() override;
 
-    // None without its language data.
-    [[nodiscard]] std::optional<std::vector<RecognizedLine>>
-    recognize(const Bitmap& image) override;
+    // Failed without its language data, and when a page takes too long.
+    [[nodiscard]] RecognizedText recognize(const Bitmap& image) override;
+    [[nodiscard]] Readiness readiness() override;
 
 private:
     class Pool;

@@ -120,6 +120,14 @@ private:
 
 } // namespace
 
+bool OnnxSession::hasLibrary() {
+    try {
+        return environment() != nullptr;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 std::unique_ptr<OnnxSession> OnnxSession::load(const std::filesystem::path& model,
                                                std::size_t outputs, int threads) {
     try {

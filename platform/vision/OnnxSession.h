@@ -20,7 +20,13 @@ struct Tensor {
 
 class OnnxSession {
 public:
+    // What the library is called, for those who lack it.
+    static constexpr const char* libraryName = "ONNX Runtime";
+
     virtual ~OnnxSession() = default;
+
+    // Whether the library is there and can be used. Loads it.
+    [[nodiscard]] static bool hasLibrary();
 
     // Null when the model cannot be loaded or does not have one input and that many outputs. Each
     // run is spread over that many threads.

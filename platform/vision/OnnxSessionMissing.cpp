@@ -3,6 +3,10 @@
 
 namespace murkwell {
 
+bool OnnxSession::hasLibrary() {
+    return false;
+}
+
 std::unique_ptr<OnnxSession> OnnxSession::load(const std::filesystem::path& /*model*/,
                                                std::size_t /*outputs*/, int /*threads*/) {
     return nullptr;

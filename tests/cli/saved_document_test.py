@@ -21,7 +21,7 @@ class SavedDocument(TestInFolder):
 
     def test_saved_work_is_exported_after_its_source_has_gone(self):
         original = self.source.read_bytes()
-        self.redact(self.source, *BOX, "--detect", "all", "--save", self.work)
+        self.redact(self.source, *BOX, "--detect", "email,ssn", "--save", self.work)
         self.assertEqual(self.names(), ["a.pdf", "work.murkwell"])
         self.source.unlink()
         document = plistlib.loads(self.work.read_bytes())

@@ -1,10 +1,13 @@
 """Searching a page: what is found is where it stands, and redacting covers it."""
 
 import json
+import os
+import re
+import subprocess
 import unittest
 
 import documents
-from program import TestInFolder, murkwell, output_of
+from program import CLI, TestInFolder, murkwell, output_of
 
 LINES = ["Call 555-123-4567 before noon", "Mail jane.roe@example.com instead",
          "Nothing to see in this line"]
@@ -88,6 +91,36 @@ class Search(TestInFolder):
             self.assertEqual(set(after[0].inside(*place)), {(0, 0, 0)})
         self.assertEqual(before.inside(0, 220, 600, 180), after[0].inside(0, 220, 600, 180))
         self.assertEqual(before.rows, after[1].rows)
+
+    def test_what_cannot_be_searched_fails_names_what_is_missing_and_writes_nothing(self):
+        nothing = self.folder / "nothing"
+        nothing.mkdir()
+        no_models = {"MURKWELL_MODELS": nothing}
+        no_text = {**no_models, "TESSDATA_PREFIX": nothing}
+        for lacking, arguments, message in (
+                (no_models, ("--detect", "faces"), "“note.pdf”: Faces cannot be found."),
+                (no_models, ("--detect", "all"), "“note.pdf”: Faces cannot be found."),
+                (no_models, ("--detect", "phone"), None),
+                (no_text, ("--detect", "phone"), "“note.pdf”: Text cannot be found."),
+                (no_text, ("--find", "noon"), "“note.pdf”: Text cannot be found.")):
+            with self.subTest(arguments):
+                output = self.folder / "out.pdf"
+                result = subprocess.run(
+                    [CLI, "redact", self.source, *arguments, "-o", output], capture_output=True,
+                    text=True, env={**os.environ, **lacking})
+                self.assertEqual(result.returncode, 1 if message else 0, result.stderr)
+                self.assertEqual(output.exists(), message is None)
+                self.assertRegex(result.stderr.splitlines()[-1],
+                                 "^" + re.escape(message or "More text than usual will be missed."))
+                self.assertRegex(result.stderr, r"Missing or damaged: [\w., -]*(onnx|ONNX)")
+                output.unlink(missing_ok=True)
+        # Where no file is written, what was found is worth having all the same.
+        for lacking, command, lines in ((no_models, ("scan", "--detect", "phone,faces"), 2),
+                                        (no_text, ("text",), 0)):
+            result = subprocess.run([CLI, *command, self.source], capture_output=True, text=True,
+                                    env={**os.environ, **lacking})
+            self.assertEqual((result.returncode, len(result.stdout.splitlines())), (1, lines),
+                             result.stderr)
 
     def test_wrong_kinds_and_pages_are_wrong_usage(self):
         for arguments in (["--detect", "passport"], ["--detect", ""], ["--detect", "email,"],

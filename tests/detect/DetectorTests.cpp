@@ -17,12 +17,16 @@ constexpr auto style = RedactionStyle::noise;
 
 class DetectorTest : public testing::Test {
 protected:
-    std::vector<Redaction> detect(const PIIKinds& kinds) {
+    Detector::Findings search(const PIIKinds& kinds) {
         return Detector::detect(*page, kinds, style, {text, faces, random});
     }
+    std::vector<Redaction> detect(const PIIKinds& kinds) { return search(kinds).redactions; }
 
-    std::vector<Redaction> find(std::string_view query, bool fuzzy) {
+    Detector::Findings searchFor(std::string_view query, bool fuzzy) {
         return Detector::findMatches(query, *page, fuzzy, style, {text, faces, random});
+    }
+    std::vector<Redaction> find(std::string_view query, bool fuzzy) {
+        return searchFor(query, fuzzy).redactions;
     }
 
     // Which columns of the first line a box covers, counted in characters.
@@ -96,14 +100,41 @@ TEST_F(DetectorTest, NothingIsMergedAndTheCardComesFirstWhenTwoKindsMatchTheSame
     EXPECT_EQ(columns(boxes[1]), Columns(0, 12));
 }
 
-TEST_F(DetectorTest, AFailingEngineTakesOnlyItsOwnBoxesAway) {
-    text.answer = {asciiLine("a@b.co")};
-    faces.answer = std::nullopt;
-    EXPECT_EQ(detect(everything).size(), 1U);
-    text.answer = std::nullopt;
-    faces.answer = {{{0.4, 0.4, 0.2, 0.2}}};
-    EXPECT_EQ(detect(everything).size(), 1U);
-    EXPECT_TRUE(find("a", false).empty());
+TEST_F(DetectorTest, AFailingEngineTakesOnlyItsOwnBoxesAwayAndIsNamed) {
+    struct Case {
+        bool textWorks, facesWork;
+        PIIKinds kinds;
+        std::optional<Outcome> text, faces;
+        std::size_t boxes;
+    };
+    for (const Case& c : std::vector<Case>{
+             {true, true, everything, Outcome::whole, Outcome::whole, 2},
+             {true, false, everything, Outcome::whole, Outcome::failed, 1},
+             {false, true, everything, Outcome::failed, Outcome::whole, 1},
+             {false, false, everything, Outcome::failed, Outcome::failed, 0},
+             {false, false, {PIIKind::email}, Outcome::failed, std::nullopt, 0},
+             {false, false, {PIIKind::faces}, std::nullopt, Outcome::failed, 0},
+             {false, false, {}, std::nullopt, std::nullopt, 0},
+         }) {
+        text.answer.reset();
+        faces.answer.reset();
+        if (c.textWorks) {
+            text.answer = {asciiLine("a@b.co")};
+        }
+        if (c.facesWork) {
+            faces.answer = {{{0.4, 0.4, 0.2, 0.2}}};
+        }
+        const auto findings = search(c.kinds);
+        EXPECT_EQ(findings.text, c.text);
+        EXPECT_EQ(findings.faces, c.faces);
+        EXPECT_EQ(findings.redactions.size(), c.boxes);
+    }
+    EXPECT_EQ(searchFor("a", false).text, Outcome::failed);
+    text.answer = {asciiLine("a")};
+    text.outcome = Outcome::partial;
+    EXPECT_EQ(searchFor("a", false).text, Outcome::partial);
+    EXPECT_EQ(search({PIIKind::email}).text, Outcome::partial);
+    EXPECT_EQ(searchFor(" ", false).text, std::nullopt);
 }
 
 TEST_F(DetectorTest, AMatchWithoutCharacterBoxesCoversItsLine) {

@@ -67,10 +67,11 @@ private:
 class FailingRecognition final : public TextRecognizer, public FaceDetector {
 public:
     explicit FailingRecognition(Plan& shared) : plan(shared) {}
-    std::optional<std::vector<RecognizedLine>> recognize(const Bitmap&) override {
-        return plan.failsNow() ? std::nullopt
-                               : std::optional(std::vector{asciiLine("mail a@bc.de now")});
+    RecognizedText recognize(const Bitmap&) override {
+        return plan.failsNow() ? RecognizedText{{}, Outcome::failed}
+                               : RecognizedText{{asciiLine("mail a@bc.de now")}, Outcome::whole};
     }
+    Readiness readiness() override { return {}; }
     std::optional<std::vector<RecognizerRect>> detectFaces(const Bitmap&) override {
         return plan.failsNow() ? std::nullopt
                                : std::optional(std::vector<RecognizerRect>{{0.4, 0.8, 0.1, 0.1}});

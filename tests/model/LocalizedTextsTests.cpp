@@ -66,6 +66,20 @@ private:
         noteTitles();
     }
 
+    // With faces and without, of one page and of all.
+    void failingSearches() {
+        for (const bool allPages : {false, true}) {
+            model.applyToAllPages = allPages;
+            for (const bool withFaces : {true, false}) {
+                model.detectKinds =
+                    withFaces ? PIIKinds{PIIKind::email, PIIKind::faces} : PIIKinds{PIIKind::email};
+                model.autoDetect();
+                bench.executor.runAll();
+                note();
+            }
+        }
+    }
+
     void search() {
         for (const bool allPages : {false, true}) {
             model.applyToAllPages = allPages;
@@ -82,6 +96,17 @@ private:
                 noteTitles();
             }
         }
+        bench.text.outcome = Outcome::partial;
+        bench.faces.answer.reset();
+        failingSearches();
+        bench.text.answer.reset();
+        failingSearches();
+        bench.faces.answer = std::vector<RecognizerRect>{};
+        failingSearches();
+        for (const Outcome outcome : {Outcome::partial, Outcome::failed}) {
+            texts.push_back(missingForText({outcome, {"x"}}));
+        }
+        texts.push_back(missingForFaces({Outcome::failed, {"x"}}));
         bench.text.answer = {asciiLine("acme")};
         model.redactMatches("acme", false);
         bench.executor.runAll();

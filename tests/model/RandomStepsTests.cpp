@@ -279,16 +279,15 @@ private:
         const bool finds = below(2) == 0;
         const Detector::Engines engines{bench.text, bench.faces, bench.engines.random};
         const auto image = plainBitmap(1, 1);
-        std::vector<Redaction> expected =
-            finds ? Detector::findMatches("acme", *image, false, naive.tool, engines)
-                  : Detector::detect(*image, model.detectKinds(), naive.tool, engines);
+        auto expected = finds ? Detector::findMatches("acme", *image, false, naive.tool, engines)
+                              : Detector::detect(*image, model.detectKinds(), naive.tool, engines);
         finds ? model.redactMatches(" acme ", false) : model.autoDetect();
         if (search || naive.now.lists.empty()) {
             return;
         }
         search.emplace();
         search->name = finds ? "Redact Matches" : "Auto-Detect";
-        search->found = std::move(expected);
+        search->found = std::move(expected.redactions);
         for (std::size_t i = 0; allPages && i < naive.now.lists.size(); ++i) {
             search->pages.push_back(static_cast<std::int64_t>(i));
         }

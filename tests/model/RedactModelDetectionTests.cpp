@@ -4,7 +4,9 @@
 #include "tests/support/ModelUnderTest.h"
 
 #include <gtest/gtest.h>
+#include <set>
 #include <thread>
+#include <utility>
 
 namespace murkwell {
 namespace {
@@ -157,12 +159,152 @@ TEST_F(Detection, OnlyTheCurrentPageIsSearchedUnlessAllAreWanted) {
     EXPECT_EQ(bench.faces.calls, 4);
 }
 
-TEST_F(Detection, AFailingEngineIsAnEmptyPage) {
-    bench.faces.answer.reset();
-    bench.text.answer.reset();
-    detect();
-    EXPECT_EQ(model.statusMessage(), "Found nothing to redact on this page.");
-    EXPECT_FALSE(model.errorMessage());
+TEST_F(Detection, WhatCouldNotBeSearchedIsAnErrorAndWhatWasFoundElsewhereIsKept) {
+    const PIIKinds all(allPIIKinds.begin(), allPIIKinds.end());
+    using Message = std::optional<std::string>;
+    struct Case {
+        const char* what;
+        PIIKinds kinds;
+        std::set<int> textFails, facesFail; // page indices
+        bool byOneReader, allPages, aFaceOnEach;
+        Message status, error;
+        bool coversEverything;
+    };
+    for (const Case& each : std::vector<Case>{
+             {"no engine",
+              all,
+              {0},
+              {0},
+              false,
+              false,
+              true,
+              {},
+              "Couldn’t search this page.",
+              false},
+             {"the one engine needed",
+              {PIIKind::email},
+              {0},
+              {},
+              false,
+              false,
+              true,
+              {},
+              "Couldn’t search this page.",
+              false},
+             {"no faces",
+              all,
+              {},
+              {0},
+              false,
+              false,
+              true,
+              {},
+              "Couldn’t search this page for faces.",
+              false},
+             {"no text",
+              all,
+              {0},
+              {},
+              false,
+              false,
+              true,
+              "Added 1 redaction.",
+              "Added 1 redaction. Couldn’t search this page for text.",
+              false},
+             {"no faces on one page",
+              all,
+              {},
+              {1},
+              false,
+              true,
+              true,
+              "Added 2 redactions across 2 pages.",
+              "Added 2 redactions across 2 pages. Couldn’t search 1 of 3 pages for faces (2).",
+              false},
+             {"each page another way",
+              all,
+              {0, 2},
+              {2},
+              false,
+              true,
+              false,
+              {},
+              "Couldn’t search 1 of 3 pages (3). Couldn’t search 1 of 3 pages for text (1).",
+              false},
+             {"another page",
+              all,
+              {1},
+              {2},
+              false,
+              false,
+              false,
+              "Found nothing to redact on this page.",
+              {},
+              true},
+             {"one reader",
+              all,
+              {},
+              {},
+              true,
+              false,
+              false,
+              "Found nothing to redact on this page.",
+              "Found nothing to redact on this page. Only one of two readers read the text of this "
+              "page.",
+              true},
+             {"one reader everywhere but where none",
+              all,
+              {1},
+              {},
+              true,
+              true,
+              false,
+              {},
+              "Couldn’t search 1 of 3 pages for text (2). Only one of two readers read the text of "
+              "2 of 3 pages (1, 3).",
+              false},
+         }) {
+        ModelUnderTest one;
+        one.openPdf();
+        constexpr int heightOfFirst = 10;
+        for (const int page : each.textFails) {
+            one.text.failingHeights.insert(heightOfFirst + page);
+        }
+        for (const int page : each.facesFail) {
+            one.faces.failingHeights.insert(heightOfFirst + page);
+        }
+        one.text.outcome = each.byOneReader ? Outcome::partial : Outcome::whole;
+        if (each.aFaceOnEach) {
+            one.faces.answer = {face(0)};
+        }
+        one.model->detectKinds = each.kinds;
+        one.model->applyToAllPages = each.allPages;
+        one.model->autoDetect();
+        one.executor.runAll();
+        EXPECT_EQ(one.model->statusMessage(), each.status) << each.what;
+        EXPECT_EQ(one.model->errorMessage(), each.error) << each.what;
+        EXPECT_EQ(one.model->lastSearch()->coversEverything(), each.coversEverything) << each.what;
+        EXPECT_EQ(one.model->isDirty(), one.model->totalRedactionCount() > 0) << each.what;
+    }
+}
+
+TEST_F(Detection, WhatIsMissingIsLearnedInTheBackground) {
+    bench.faces.ready = {Outcome::failed, {"faces.onnx"}};
+    model.prepareSearch();
+    model.prepareSearch(); // is under way
+    EXPECT_EQ(bench.executor.backgroundJobs.size(), 1U);
+    EXPECT_EQ(model.searchReadiness().faces.outcome, Outcome::whole);
+    bench.executor.runAll();
+    EXPECT_EQ(model.searchReadiness().faces.outcome, Outcome::failed);
+    EXPECT_EQ(model.searchReadiness().faces.missing, std::vector<std::string>{"faces.onnx"});
+    bench.faces.ready = {};
+    model.autoDetect();
+    model.prepareSearch(); // waits for the search
+    EXPECT_EQ(bench.executor.backgroundJobs.size(), 1U);
+    bench.executor.runAll();
+    model.prepareSearch(); // somebody may have installed it
+    bench.executor.runAll();
+    EXPECT_EQ(model.searchReadiness().faces.outcome, Outcome::whole);
 }
 
 // What the user does between the search and its end.
@@ -230,6 +372,7 @@ TEST_F(Detection, ASearchThatThrowsOrCannotBeginHasFailed) {
         std::optional<std::vector<RecognizerRect>> detectFaces(const Bitmap&) override {
             throw std::bad_alloc();
         }
+        Readiness readiness() override { return {}; }
     } thrower;
     class Unable final : public Executor {
         bool background(std::function<void()>) override { return false; }
@@ -245,13 +388,14 @@ TEST_F(Detection, ASearchThatThrowsOrCannotBeginHasFailed) {
                   services.fileManager,
                   services.documents,
                   services.detection};
-    for (const Services& given : {throwing, busy}) {
+    for (const auto& [given, message] : {std::pair(throwing, "Couldn’t search this page."),
+                                         std::pair(busy, "The search could not be finished.")}) {
         RedactModel other(given);
         other.open({bench.folder.write("other.pdf", "")});
         other.autoDetect();
         bench.executor.runAll();
         EXPECT_FALSE(other.activeOperation());
-        EXPECT_EQ(other.errorMessage(), "The search could not be finished.");
+        EXPECT_EQ(other.errorMessage(), message);
         EXPECT_FALSE(other.statusMessage());
     }
 }

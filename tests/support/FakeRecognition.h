@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,12 +27,17 @@ public:
     explicit FakeTextRecognizer(std::optional<std::vector<RecognizedLine>> lines)
         : answer(std::move(lines)) {}
 
-    std::optional<std::vector<RecognizedLine>> recognize(const Bitmap& /*image*/) override {
+    RecognizedText recognize(const Bitmap& image) override {
         ++calls;
-        return answer;
+        const bool works = answer && !failingHeights.contains(image.height());
+        return works ? RecognizedText{*answer, outcome} : RecognizedText{{}, Outcome::failed};
     }
+    Readiness readiness() override { return ready; }
 
     std::optional<std::vector<RecognizedLine>> answer; // none: the engine fails
+    std::set<int> failingHeights;                      // of pages on which it fails too
+    Outcome outcome = Outcome::whole;
+    Readiness ready;
     std::atomic<int> calls{0};
 };
 
@@ -40,12 +46,15 @@ public:
     explicit FakeFaceDetector(std::optional<std::vector<RecognizerRect>> faces)
         : answer(std::move(faces)) {}
 
-    std::optional<std::vector<RecognizerRect>> detectFaces(const Bitmap& /*image*/) override {
+    std::optional<std::vector<RecognizerRect>> detectFaces(const Bitmap& image) override {
         ++calls;
-        return answer;
+        return failingHeights.contains(image.height()) ? std::nullopt : answer;
     }
+    Readiness readiness() override { return ready; }
 
     std::optional<std::vector<RecognizerRect>> answer; // none: the engine fails
+    std::set<int> failingHeights;                      // of pages on which it fails too
+    Readiness ready;
     std::atomic<int> calls{0};
 };
 

@@ -1,4 +1,4 @@
-// Points the program at another folder of models for as long as it lives.
+// Points the engines at another folder of models or data for as long as it lives.
 #pragma once
 
 #include <cstdlib>
@@ -7,27 +7,32 @@
 
 namespace murkwell {
 
-class ModelFolder {
+class FolderVariable {
 public:
-    explicit ModelFolder(const std::filesystem::path& folder) {
+    FolderVariable(const char* name, const std::filesystem::path& folder) : variable(name) {
         if (const char* const value = std::getenv(variable)) {
             before = value;
         }
         ::setenv(variable, folder.c_str(), 1);
     }
-    ~ModelFolder() {
+    ~FolderVariable() {
         if (before.empty()) {
             ::unsetenv(variable);
         } else {
             ::setenv(variable, before.c_str(), 1);
         }
     }
-    ModelFolder(const ModelFolder&) = delete;
-    ModelFolder& operator=(const ModelFolder&) = delete;
+    FolderVariable(const FolderVariable&) = delete;
+    FolderVariable& operator=(const FolderVariable&) = delete;
 
 private:
-    static constexpr const char* variable = "MURKWELL_MODELS";
+    const char* variable;
     std::string before;
+};
+
+struct ModelFolder : FolderVariable {
+    explicit ModelFolder(const std::filesystem::path& folder)
+        : FolderVariable("MURKWELL_MODELS", folder) {}
 };
 
 } // namespace murkwell

@@ -20,6 +20,7 @@ AutoDetectPopover::AutoDetectPopover(RedactModel& searched, QWidget* opener, QWi
     explanation->setForegroundRole(QPalette::PlaceholderText);
     column()->addLayout(headingRow());
     column()->addWidget(explanation);
+    addWarning();
     addKinds();
     column()->addWidget(scope);
     column()->addWidget(action);
@@ -81,6 +82,7 @@ void AutoDetectPopover::refresh(const WindowState& state) {
     for (const auto& [kind, row] : kinds) {
         row->setChecked(model.detectKinds().contains(kind));
     }
+    setWarning(state.missingForDetect);
     scope->setVisible(state.hasManyPages);
     scope->refresh();
     action->setEnabled(state.canDetect);

@@ -91,6 +91,7 @@ void ContentView::toggle(Popover* popover) {
     if (popover->isOpen()) {
         popover->dismiss();
     } else {
+        model.prepareSearch();
         popover->open();
     }
 }

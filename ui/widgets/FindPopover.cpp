@@ -32,8 +32,10 @@ FindPopover::FindPopover(RedactModel& searched, QWidget* opener, QWidget* owner)
     connect(action, &QPushButton::clicked, this, &FindPopover::runFind);
     fuzzyFind->setToolTip(text(WindowTexts::fuzzyText));
     action->setToolTip(text(WindowTexts::findTip));
-    for (QWidget* const row : {static_cast<QWidget*>(heading), static_cast<QWidget*>(explanation),
-                               static_cast<QWidget*>(findQuery), static_cast<QWidget*>(fuzzyFind),
+    column()->addWidget(heading);
+    column()->addWidget(explanation);
+    addWarning();
+    for (QWidget* const row : {static_cast<QWidget*>(findQuery), static_cast<QWidget*>(fuzzyFind),
                                static_cast<QWidget*>(scope), static_cast<QWidget*>(action)}) {
         column()->addWidget(row);
     }
@@ -41,6 +43,7 @@ FindPopover::FindPopover(RedactModel& searched, QWidget* opener, QWidget* owner)
 }
 
 void FindPopover::refresh(const WindowState& state) {
+    setWarning(state.missingForFind);
     scope->setVisible(state.hasManyPages);
     scope->refresh();
     action->setEnabled(canRedactMatches(state, findQuery->text().toStdString()));

@@ -1,9 +1,11 @@
 #include "ui/widgets/Popover.h"
 
 #include "ui/widgets/ControlPainting.h"
+#include "ui/widgets/Text.h"
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -31,6 +33,20 @@ Popover::Popover(const QString& name, QWidget* anchorButton, QWidget* owner)
                                 shadow + inset + pointerHeight);
     content->setSpacing(12);
     setFocusPolicy(Qt::NoFocus);
+}
+
+void Popover::addWarning() {
+    warning = new QLabel;
+    warning->setWordWrap(true);
+    warning->setTextFormat(Qt::PlainText);
+    warning->setForegroundRole(QPalette::BrightText);
+    warning->setVisible(false);
+    content->addWidget(warning);
+}
+
+void Popover::setWarning(std::string_view sentence) {
+    warning->setText(toQString(sentence));
+    warning->setVisible(!sentence.empty());
 }
 
 void Popover::open() {

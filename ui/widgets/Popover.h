@@ -5,6 +5,9 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <string_view>
+
+class QLabel;
 class QVBoxLayout;
 
 namespace murkwell {
@@ -26,6 +29,9 @@ signals:
 protected:
     // Where the content goes, from top to bottom.
     [[nodiscard]] QVBoxLayout* column() const { return content; }
+    // Adds a place for a warning below what is in the column; there is none until one is set.
+    void addWarning();
+    void setWarning(std::string_view sentence); // in the user's language
     // Takes the keyboard when the popover opens.
     void setFirstFocus(QWidget* control) { firstFocus = control; }
 
@@ -40,6 +46,7 @@ private:
     [[nodiscard]] QRectF panel() const; // without shadow and pointer
 
     QVBoxLayout* content;
+    QLabel* warning = nullptr;
     QPointer<QWidget> anchor;
     QPointer<QWidget> firstFocus;
     int pointerX = 0; // of the tip, in the popover

@@ -2,6 +2,7 @@
 #include "platform/faces/FaceDetectorUltraFace.h"
 
 #include "platform/vision/InstalledFiles.h"
+#include "platform/vision/OnnxSession.h"
 #include "tests/support/DrawnPage.h"
 #include "tests/support/ModelFolder.h"
 #include "tests/support/TemporaryFolder.h"
@@ -9,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -17,7 +19,7 @@ namespace {
 
 TEST(FaceDetector, PagesWithoutFacesHaveNone) {
     FaceDetectorUltraFace detector;
-    if (!detector.isUsable()) {
+    if (detector.readiness().outcome != Outcome::whole) {
         GTEST_SKIP() << "no ONNX Runtime or no model";
     }
     for (const auto& [width, height] :
@@ -43,7 +45,9 @@ TEST(FaceDetector, AMissingOrDamagedModelFindsNone) {
     const DrawnPage page(100, 100);
 
     FaceDetectorUltraFace missing;
-    EXPECT_FALSE(missing.isUsable());
+    EXPECT_EQ(missing.readiness().outcome, Outcome::failed);
+    EXPECT_EQ(missing.readiness().missing,
+              std::vector<std::string>{OnnxSession::hasLibrary() ? "faces.onnx" : "ONNX Runtime"});
     EXPECT_FALSE(missing.detectFaces(*page.bitmap));
 
     std::ofstream(folder.path / "faces.onnx") << "not a model";
@@ -60,7 +64,7 @@ TEST(FaceDetector, AnotherModelIsRefused) {
     std::filesystem::copy_file(*other, folder.path / "faces.onnx");
     const ModelFolder models(folder.path);
     FaceDetectorUltraFace detector;
-    EXPECT_FALSE(detector.isUsable());
+    EXPECT_EQ(detector.readiness().outcome, Outcome::failed);
 }
 
 } // namespace

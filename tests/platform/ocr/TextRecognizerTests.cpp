@@ -2,6 +2,7 @@
 #include "platform/ocr/TextRecognizerCombined.h"
 
 #include "platform/vision/InstalledFiles.h"
+#include "platform/vision/OnnxSession.h"
 
 #include "tests/support/DrawnPage.h"
 #include "tests/support/ModelFolder.h"
@@ -49,11 +50,17 @@ struct Written {
     cv::Rect all = page.write("Card 4111 1111 1111 1111", 60, 110);
 };
 
+// What at least one reader read.
+std::vector<RecognizedLine> linesOf(TextRecognizer& recognizer, const Bitmap& page) {
+    RecognizedText text = recognizer.recognize(page);
+    EXPECT_NE(text.outcome, Outcome::failed);
+    return std::move(text.lines);
+}
+
 void expectNumberFound(TextRecognizer& recognizer) {
     const Written written;
-    const auto lines = recognizer.recognize(*written.page.bitmap);
-    ASSERT_TRUE(lines);
-    const auto box = find(*lines, "4111 1111 1111 1111", *written.page.bitmap);
+    const auto lines = linesOf(recognizer, *written.page.bitmap);
+    const auto box = find(lines, "4111 1111 1111 1111", *written.page.bitmap);
     ASSERT_TRUE(box);
     const cv::Rect number(written.all.x + written.all.width / 5, written.all.y,
                           written.all.width * 4 / 5, written.all.height);
@@ -64,7 +71,7 @@ void expectNumberFound(TextRecognizer& recognizer) {
 class PpOcr : public testing::Test {
 protected:
     void SetUp() override {
-        if (!recognizer.isUsable()) {
+        if (recognizer.readiness().outcome != Outcome::whole) {
             GTEST_SKIP() << "no ONNX Runtime or no models";
         }
     }
@@ -81,9 +88,8 @@ TEST_F(PpOcr, ReadsLinesThatRunDownAndUp) {
         const Written written;
         DrawnPage turned(200, 700);
         cv::rotate(pixelsOf(*written.page.bitmap), pixelsOf(*turned.bitmap), turn);
-        const auto lines = recognizer.recognize(*turned.bitmap);
-        ASSERT_TRUE(lines);
-        const auto box = find(*lines, "4111", *turned.bitmap);
+        const auto lines = linesOf(recognizer, *turned.bitmap);
+        const auto box = find(lines, "4111", *turned.bitmap);
         ASSERT_TRUE(box) << turn;
         // After "Card " as one reads: from the top or from the bottom.
         const double along = turn == cv::ROTATE_90_CLOCKWISE ? box->y : 700 - box->br().y;
@@ -98,8 +104,8 @@ TEST_F(PpOcr, FourSearchesAtOnceAgree) {
         std::vector<std::jthread> threads;
         for (std::size_t& count : found) {
             threads.emplace_back([&] {
-                const auto lines = recognizer.recognize(*written.page.bitmap);
-                count = lines && find(*lines, "1111", *written.page.bitmap) ? lines->size() : 0;
+                const auto lines = linesOf(recognizer, *written.page.bitmap);
+                count = find(lines, "1111", *written.page.bitmap) ? lines.size() : 0;
             });
         }
     }
@@ -116,12 +122,34 @@ TEST(Combined, FindsANumberAndItsPlace) {
     expectNumberFound(recognizer);
 }
 
-TEST(Combined, WithoutModelsTesseractReadsAlone) {
+// What is missing is named, and what it takes away is said of every page.
+TEST(Combined, WithoutAnEngineTheOtherReadsAloneAndWithoutBothNothingIsRead) {
     const TemporaryFolder empty;
-    const ModelFolder models(empty.path);
-    TextRecognizerCombined recognizer;
-    EXPECT_TRUE(recognizer.readsWithTesseractAlone());
-    expectNumberFound(recognizer);
+    const ModelFolder noModels(empty.path);
+    const std::string models = OnnxSession::hasLibrary()
+                                   ? "text-lines.onnx,text-reader.onnx,characters.txt,"
+                                   : "ONNX Runtime,";
+    const auto missingFor = [](TextRecognizer& recognizer) {
+        std::string names;
+        for (const std::string& name : recognizer.readiness().missing) {
+            names += name + ",";
+        }
+        return names;
+    };
+    const Written written;
+    TextRecognizerCombined tesseractAlone;
+    EXPECT_EQ(missingFor(tesseractAlone), models);
+    EXPECT_EQ(tesseractAlone.readiness().outcome, Outcome::partial);
+    EXPECT_EQ(tesseractAlone.recognize(*written.page.bitmap).outcome, Outcome::partial);
+    expectNumberFound(tesseractAlone);
+
+    const FolderVariable noData("TESSDATA_PREFIX", empty.path);
+    TextRecognizerCombined nothing;
+    EXPECT_EQ(missingFor(nothing), models + "eng.traineddata,");
+    EXPECT_EQ(nothing.readiness().outcome, Outcome::failed);
+    const RecognizedText unread = nothing.recognize(*written.page.bitmap);
+    EXPECT_EQ(unread.outcome, Outcome::failed);
+    EXPECT_TRUE(unread.lines.empty());
 }
 
 TEST(PpOcrModels, DamagedOnesAreLikeMissingOnes) {
@@ -158,8 +186,7 @@ TEST(PpOcrModels, DamagedOnesAreLikeMissingOnes) {
         const ModelFolder models(folder.path);
         TextRecognizerPpOcr recognizer;
         const Written written;
-        const auto lines = recognizer.recognize(*written.page.bitmap);
-        EXPECT_TRUE(!lines || lines->empty()) << c.what;
+        EXPECT_EQ(recognizer.recognize(*written.page.bitmap).outcome, Outcome::failed) << c.what;
     }
 }
 
@@ -171,9 +198,9 @@ TEST(Combined, PagesWithoutTextGiveNoneOfIt) {
         for (const int level : {255, 0}) {
             page.fill({static_cast<double>(level), static_cast<double>(level),
                        static_cast<double>(level), 255});
-            const auto lines = recognizer.recognize(*page.bitmap);
-            ASSERT_TRUE(lines) << width << " x " << height;
-            for (const RecognizedLine& line : *lines) {
+            const RecognizedText text = recognizer.recognize(*page.bitmap);
+            EXPECT_NE(text.outcome, Outcome::failed) << width << " x " << height;
+            for (const RecognizedLine& line : text.lines) {
                 EXPECT_TRUE(std::ranges::none_of(line.text, ::isdigit)) << line.text;
             }
         }
@@ -184,9 +211,7 @@ TEST(Combined, NoiseGivesFiniteBoxes) {
     TextRecognizerCombined recognizer;
     DrawnPage page(300, 200);
     page.addNoise();
-    const auto lines = recognizer.recognize(*page.bitmap);
-    ASSERT_TRUE(lines);
-    for (const RecognizedLine& line : *lines) {
+    for (const RecognizedLine& line : linesOf(recognizer, *page.bitmap)) {
         for (const RecognizerRect& box : line.characterBoxes) {
             EXPECT_TRUE(std::isfinite(box.x + box.y + box.width + box.height));
         }
@@ -199,9 +224,8 @@ TEST(Combined, TransparentPaperIsWhite) {
         pixel = {0, 0, 0, static_cast<std::uint8_t>(255 - pixel.r)};
     }
     TextRecognizerCombined recognizer;
-    const auto lines = recognizer.recognize(*written.page.bitmap);
-    ASSERT_TRUE(lines);
-    EXPECT_TRUE(find(*lines, "4111 1111 1111 1111", *written.page.bitmap));
+    const auto lines = linesOf(recognizer, *written.page.bitmap);
+    EXPECT_TRUE(find(lines, "4111 1111 1111 1111", *written.page.bitmap));
 }
 
 } // namespace

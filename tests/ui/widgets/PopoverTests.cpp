@@ -5,6 +5,7 @@
 #include "ui/widgets/PillButton.h"
 
 #include <QCheckBox>
+#include <QLabel>
 #include <QLineEdit>
 
 #include <gtest/gtest.h>
@@ -93,6 +94,34 @@ TEST_F(Popovers, KindsAreChosenOneByOneOrTogether) {
     EXPECT_EQ(model.detectKinds().size(), 6U);
     window.click("Emails");
     EXPECT_FALSE(model.detectKinds().contains(PIIKind::email));
+}
+
+TEST_F(Popovers, WhatCannotBeFoundHereIsSaidBeforehand) {
+    const auto shown = [&] {
+        QStringList texts;
+        for (const QLabel* const label : window.view.findChildren<QLabel*>()) {
+            if (label->isVisible() && label->foregroundRole() == QPalette::BrightText) {
+                texts << label->text();
+            }
+        }
+        return texts.join("|");
+    };
+    const auto opened = [&](const QString& popover) {
+        window.click(popover);
+        window.bench.executor.runAll();
+        window.settle();
+        return shown();
+    };
+    const QString noFaces = "Faces cannot be found. Missing or damaged: faces.onnx.";
+    const QString lessText = "More text than usual will be missed. Missing or damaged: a, b.";
+    EXPECT_EQ(opened("Auto-Detect"), "");
+    window.click("Auto-Detect");
+    window.bench.faces.ready = {Outcome::failed, {"faces.onnx"}};
+    EXPECT_EQ(opened("Auto-Detect"), noFaces);
+    EXPECT_EQ(opened("Find & Redact"), "");
+    window.bench.text.ready = {Outcome::partial, {"a", "b"}};
+    EXPECT_EQ(opened("Auto-Detect"), lessText + "\n" + noFaces);
+    EXPECT_EQ(opened("Find & Redact"), lessText);
 }
 
 TEST_F(Popovers, ScopeIsSharedByBoth) {
