@@ -5,6 +5,7 @@
 #include "platform/vision/InstalledFiles.h"
 #include "platform/vision/OnnxSession.h"
 #include "platform/vision/PixelMatrix.h"
+#include "platform/vision/Transparency.h"
 
 #include <algorithm>
 #include <array>
@@ -210,6 +211,22 @@ std::optional<std::vector<FaceCandidate>> facesIn(const Bitmap& image, OnnxSessi
     return faces;
 }
 
+// As the picture looks on white paper and, where that makes a difference, on black.
+std::optional<std::vector<FaceCandidate>> facesOnAnyPaper(const Bitmap& image,
+                                                          OnnxSession& network) {
+    auto faces = facesIn(image, network);
+    if (!faces || !hasTransparency(image)) {
+        return faces;
+    }
+    const BitmapRef dark = onBlack(image);
+    const auto more = dark ? facesIn(*dark, network) : std::nullopt;
+    if (!more) {
+        return std::nullopt;
+    }
+    faces->insert(faces->end(), more->begin(), more->end());
+    return keepBest(std::move(*faces));
+}
+
 } // namespace
 
 FaceDetectorUltraFace::FaceDetectorUltraFace() : loaded(std::make_unique<Network>()) {}
@@ -238,7 +255,7 @@ std::optional<std::vector<RecognizerRect>> FaceDetectorUltraFace::detectFaces(co
         return std::nullopt;
     }
     try {
-        const auto found = facesIn(image, *session);
+        const auto found = facesOnAnyPaper(image, *session);
         if (!found) {
             return std::nullopt;
         }

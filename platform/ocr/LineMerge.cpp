@@ -18,6 +18,12 @@ double shareOn(const RecognizedLine& line, const RecognizerRect& box) {
     return area > 0 ? sharedArea(line.box, box) / area : 0;
 }
 
+// Whether the other line has that text too, at the same place.
+bool says(const RecognizedLine& other, const RecognizedLine& line) {
+    constexpr double onSame = .3; // share of the line
+    return shareOn(other, line.box) > onSame && other.text.find(line.text) != std::string::npos;
+}
+
 bool runsDownOrUp(const RecognizedLine& line, PixelSize page) {
     constexpr std::size_t fewest = 3; // a single "1" is higher than wide too
     return line.text.size() >= fewest &&
@@ -28,19 +34,27 @@ bool runsDownOrUp(const RecognizedLine& line, PixelSize page) {
 
 std::vector<RecognizedLine> mergeReadings(std::vector<RecognizedLine> first,
                                           std::vector<RecognizedLine> second, PixelSize page) {
-    constexpr double onVertical = .2; // shares of the second reader's line
-    constexpr double onSame = .3;
+    constexpr double onVertical = .2; // share of the second reader's line
     std::erase_if(second, [&](const RecognizedLine& line) {
         double vertical = 0;
         bool said = false;
         for (const RecognizedLine& other : first) {
-            const double share = shareOn(other, line.box);
             if (runsDownOrUp(other, page)) {
-                vertical += share;
+                vertical += shareOn(other, line.box);
             }
-            said = said || (share > onSame && other.text.find(line.text) != std::string::npos);
+            said = said || says(other, line);
         }
         return said || vertical > onVertical;
+    });
+    first.insert(first.end(), std::move_iterator(second.begin()), std::move_iterator(second.end()));
+    return first;
+}
+
+std::vector<RecognizedLine> mergeLooks(std::vector<RecognizedLine> first,
+                                       std::vector<RecognizedLine> second) {
+    std::erase_if(second, [&](const RecognizedLine& line) {
+        return std::ranges::any_of(first,
+                                   [&](const RecognizedLine& other) { return says(other, line); });
     });
     first.insert(first.end(), std::move_iterator(second.begin()), std::move_iterator(second.end()));
     return first;

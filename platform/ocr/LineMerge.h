@@ -15,4 +15,9 @@ namespace murkwell {
                                                         std::vector<RecognizedLine> second,
                                                         PixelSize page);
 
+// What two looks at one page gave, on papers of different colour: the lines of the first, then
+// those of the second that say something else or stand elsewhere.
+[[nodiscard]] std::vector<RecognizedLine> mergeLooks(std::vector<RecognizedLine> first,
+                                                     std::vector<RecognizedLine> second);
+
 } // namespace murkwell

@@ -2,7 +2,9 @@
 
 #include "core/ParallelFor.h"
 #include "platform/ocr/LineMerge.h"
+#include "platform/vision/Transparency.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace murkwell {
@@ -18,6 +20,17 @@ Outcome together(Outcome first, Outcome second) {
 } // namespace
 
 RecognizedText TextRecognizerCombined::recognize(const Bitmap& image) {
+    RecognizedText text = look(image);
+    if (hasTransparency(image)) {
+        const BitmapRef dark = onBlack(image);
+        RecognizedText again = dark ? look(*dark) : RecognizedText{{}, Outcome::failed};
+        text.lines = mergeLooks(std::move(text.lines), std::move(again.lines));
+        text.outcome = std::max(text.outcome, again.outcome);
+    }
+    return text;
+}
+
+RecognizedText TextRecognizerCombined::look(const Bitmap& image) {
     RecognizedText first{{}, Outcome::failed};
     RecognizedText second{{}, Outcome::failed};
     // A reader that throws has read nothing, as one that fails; the other stands in for it.
