@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <new>
 #include <poll.h>
 #include <sys/wait.h>
 #include <time.h>
@@ -20,9 +19,6 @@ constexpr auto timeToStart = 20s;
 
 // Its end needs no attention sooner than this.
 constexpr WorkerProcess::Duration longestPatience = 60s;
-
-// What one may be lent beyond the frame: the largest bitmap, twice.
-constexpr std::size_t mostLent = std::size_t{4} << 30;
 
 // None when it has ended.
 std::optional<std::chrono::nanoseconds> processorTimeOf(pid_t process) {
@@ -41,7 +37,7 @@ int milliseconds(WorkerProcess::Duration duration) {
 } // namespace
 
 WorkerProcess::WorkerProcess(pid_t child, Descriptor socket)
-    : process(child), channel(std::move(socket)) {
+    : process(child), conversation(std::move(socket)) {
     allow(timeToStart);
 }
 
@@ -93,7 +89,7 @@ WorkerProcess::Duration WorkerProcess::patience() const {
 
 bool WorkerProcess::send(const Message& message, int attached) const {
     for (;;) {
-        switch (channel.trySend(message, attached)) {
+        switch (conversation.trySend(message, attached)) {
         case Channel::Sent::yes:
             return true;
         case Channel::Sent::broken:
@@ -105,7 +101,7 @@ bool WorkerProcess::send(const Message& message, int attached) const {
         if (wait == 0ms) {
             return false;
         }
-        pollfd socket{descriptor(), POLLOUT, 0};
+        pollfd socket{conversation.descriptor(), POLLOUT, 0};
         ::poll(&socket, 1, milliseconds(wait));
     }
 }
@@ -126,104 +122,23 @@ bool WorkerProcess::sendPicture(const Bitmap& picture) const {
     return copy && send(message, copy->descriptor());
 }
 
-bool WorkerProcess::lend(std::size_t bytes) {
-    const SharedMemory* lent = nullptr;
-    if (bytes > SharedMemory::frameSize) {
-        lent = lendLarge(bytes);
-    } else if (bytes == SharedMemory::frameSize && !frame) {
-        frame = SharedMemory::create(bytes);
-        lent = frame ? &*frame : nullptr;
-    } else {
-        return false; // no honest one asks for that
-    }
-    Message reply;
-    reply.kind = lent != nullptr ? Message::Kind::lent : Message::Kind::refused;
-    return send(reply, lent != nullptr ? lent->descriptor() : -1);
-}
-
-const SharedMemory* WorkerProcess::lendLarge(std::size_t bytes) {
-    std::size_t sum = 0;
-    for (const SharedMemory& before : large) {
-        sum += before.size();
-    }
-    auto made =
-        sum <= mostLent && bytes <= mostLent - sum ? SharedMemory::create(bytes) : std::nullopt;
-    return made ? &large.emplace_back(std::move(*made)) : nullptr;
-}
-
-WorkerProcess::Event WorkerProcess::next(Message& answer) {
-    const auto message = channel.tryReceive();
-    if (!message) {
-        return Event::failed;
-    }
-    switch (message->kind) {
-    case Message::Kind::ready:
-        missing = message->index;
-        return Event::nothing;
-    case Message::Kind::lend:
-        return lend(message->size) ? Event::nothing : Event::failed;
-    case Message::Kind::done:
-        answer = *message;
-        return Event::answered;
-    default:
-        return Event::failed;
-    }
-}
-
 std::optional<Message> WorkerProcess::answer() {
     for (auto wait = patience(); wait > 0ms; wait = patience()) {
-        pollfd socket{descriptor(), POLLIN, 0};
+        pollfd socket{conversation.descriptor(), POLLIN, 0};
         if (::poll(&socket, 1, milliseconds(wait)) <= 0) {
             continue;
         }
         Message message;
-        switch (next(message)) {
-        case Event::nothing:
+        switch (conversation.next(message)) {
+        case Conversation::Event::nothing:
             break;
-        case Event::answered:
+        case Conversation::Event::answered:
             return message;
-        case Event::failed:
+        case Conversation::Event::failed:
             return std::nullopt;
         }
     }
     return std::nullopt;
-}
-
-std::shared_ptr<const std::byte> WorkerProcess::view(std::size_t bytes) {
-    if (bytes > SharedMemory::frameSize) {
-        return !large.empty() && large.back().size() == bytes ? large.back().map() : nullptr;
-    }
-    if (frame && !frameView) {
-        frameView = frame->map();
-    }
-    return frameView;
-}
-
-BitmapRef WorkerProcess::takeBitmap(const Message& answer) {
-    const std::size_t bytes = Bitmap::sizeInBytes(answer.width, answer.height);
-    if (bytes > SharedMemory::frameSize && !large.empty() && large.back().size() == bytes) {
-        SharedMemory memory = std::move(large.back());
-        large.pop_back();
-        return Bitmap::over(answer.width, answer.height, SharedMemory::handOver(std::move(memory)));
-    }
-    // Whatever it still writes meanwhile, these are pixels and no more.
-    const auto seen = bytes <= SharedMemory::frameSize
-                          ? Bitmap::over(answer.width, answer.height, view(bytes))
-                          : nullptr;
-    return seen ? Bitmap::copy(*seen) : nullptr;
-}
-
-std::optional<std::vector<std::byte>> WorkerProcess::takeBytes(const Message& answer) {
-    if (answer.size == 0) {
-        return std::vector<std::byte>();
-    }
-    const auto seen = view(answer.size);
-    try {
-        return seen ? std::optional(std::vector(seen.get(), seen.get() + answer.size))
-                    : std::nullopt;
-    } catch (const std::bad_alloc&) {
-        return std::nullopt;
-    }
 }
 
 } // namespace murkwell

@@ -48,7 +48,6 @@ pid_t makeVictim() {
     if (child == 0) {
         ::close(ends[1]);
         ::close(descriptorOfChannel);
-        ::prctl(PR_SET_DUMPABLE, 1);
         char nothing = 0;
         ::_exit(::read(ends[0], &nothing, 1) == 0 ? 0 : 1);
     }
@@ -119,6 +118,7 @@ int main(int argc, char** argv) {
         becomeOrdinary();
     }
     const std::string surroundings = describeSurroundings();
+    ::prctl(PR_SET_DUMPABLE, 1); // again, for the victim: another user's ceases to be
     const pid_t victim = makeVictim();
     if (std::string_view(argv[3]) == "control") {
         serveWithoutWalls(victim);
