@@ -8,7 +8,7 @@
 #include "platform/image/ImageCodecVips.h"
 #include "platform/ocr/TextRecognizerCombined.h"
 #include "platform/pdf/PdfRendererMuPdf.h"
-#include "platform/pdf/PdfWriterMuPdf.h"
+#include "platform/pdf/PdfWriterLibdeflate.h"
 #include "platform/qt/DesktopSettings.h"
 #include "platform/qt/ExecutorQt.h"
 #include "platform/qt/FileManagerQt.h"
@@ -48,7 +48,7 @@ private:
     // None of them loads anything before it is first used.
     SystemRandomSource random;
     PdfRendererMuPdf pdfRenderer;
-    PdfWriterMuPdf pdfWriter;
+    PdfWriterLibdeflate pdfWriter;
     ImageCodecVips imageCodec;
     TextRecognizerCombined textRecognizer;
     FaceDetectorUltraFace faceDetector;

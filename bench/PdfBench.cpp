@@ -8,7 +8,7 @@
 #include "io/FileAccess.h"
 #include "platform/pdf/MuPdf.h"
 #include "platform/pdf/PdfRendererMuPdf.h"
-#include "platform/pdf/PdfWriterMuPdf.h"
+#include "platform/pdf/PdfWriterLibdeflate.h"
 
 #include <cstdlib>
 #include <zlib.h>
@@ -100,14 +100,14 @@ void measureExport(const std::vector<BitmapRef>& pages) {
     for (const BitmapRef& page : pages) {
         plain += plainFlateSize(*page);
     }
-    const auto file = PdfWriterMuPdf().encode(pages);
+    const auto file = PdfWriterLibdeflate().encode(pages);
     bench::printRatio("export of " + std::to_string(pages.size()) + " pages, bytes : plain Flate",
                       static_cast<double>(file->size()) / static_cast<double>(plain), 0.65);
     const auto best = bench::takeTurns(
-        3, [&] { (void)PdfWriterMuPdf().encode(pages); },
+        3, [&] { (void)PdfWriterLibdeflate().encode(pages); },
         [&] {
             const bench::OneProcessor one;
-            (void)PdfWriterMuPdf().encode(pages);
+            (void)PdfWriterLibdeflate().encode(pages);
         });
     bench::printRatio("export, all processors : one processor", best.measured / best.reference,
                       0.65);

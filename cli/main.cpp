@@ -11,7 +11,7 @@
 #include "platform/image/ImageCodecVips.h"
 #include "platform/ocr/TextRecognizerCombined.h"
 #include "platform/pdf/PdfRendererMuPdf.h"
-#include "platform/pdf/PdfWriterMuPdf.h"
+#include "platform/pdf/PdfWriterLibdeflate.h"
 
 #include <exception>
 #include <iostream>
@@ -51,7 +51,7 @@ int run(int argc, char** argv) {
         return 1;
     }
     PdfRendererMuPdf pdfRenderer;
-    PdfWriterMuPdf pdfWriter;
+    PdfWriterLibdeflate pdfWriter;
     ImageCodecVips imageCodec;
     TextRecognizerCombined textRecognizer;
     FaceDetectorUltraFace faceDetector;

@@ -7,7 +7,7 @@
 #include "platform/image/ImageCodecVips.h"
 #include "platform/ocr/TextRecognizerCombined.h"
 #include "platform/pdf/PdfRendererMuPdf.h"
-#include "platform/pdf/PdfWriterMuPdf.h"
+#include "platform/pdf/PdfWriterLibdeflate.h"
 #include "platform/qt/ExecutorQt.h"
 #include "tests/support/FakeDesktop.h"
 #include "tests/support/PdfBuilder.h"
@@ -97,7 +97,7 @@ struct WholeRoad : testing::Test {
 
     TemporaryFolder folder;
     PdfRendererMuPdf renderer;
-    PdfWriterMuPdf writer;
+    PdfWriterLibdeflate writer;
     ImageCodecVips codec;
     SystemRandomSource random;
     TextRecognizerCombined text;

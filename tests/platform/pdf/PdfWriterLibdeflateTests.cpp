@@ -1,4 +1,4 @@
-#include "platform/pdf/PdfWriterMuPdf.h"
+#include "platform/pdf/PdfWriterLibdeflate.h"
 
 #include "platform/pdf/PdfRendererMuPdf.h"
 
@@ -19,13 +19,13 @@ std::string text(const std::vector<std::byte>& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-TEST(PdfWriterMuPdf, OnePagePerBitmapAtOnePointPerPixel) {
+TEST(PdfWriterLibdeflate, OnePagePerBitmapAtOnePointPerPixel) {
     const std::vector<Rgba> colours{{255, 0, 0, 255}, {0, 0, 0, 255}, {1, 2, 3, 255}};
     std::vector<BitmapRef> pages;
     for (std::size_t i = 0; i < colours.size(); ++i) {
         pages.push_back(plain(30 + static_cast<int>(i), 20, colours[i]));
     }
-    const auto pdf = PdfWriterMuPdf().encode(pages);
+    const auto pdf = PdfWriterLibdeflate().encode(pages);
     ASSERT_TRUE(pdf);
     const auto result = PdfRendererMuPdf().render(*pdf, std::nullopt);
     const auto& rendered = std::get<std::vector<RenderedPage>>(result);
@@ -38,21 +38,21 @@ TEST(PdfWriterMuPdf, OnePagePerBitmapAtOnePointPerPixel) {
     }
 }
 
-TEST(PdfWriterMuPdf, HoldsNothingButPagesAndIsTheSameEveryTime) {
+TEST(PdfWriterLibdeflate, HoldsNothingButPagesAndIsTheSameEveryTime) {
     const std::vector<BitmapRef> pages{plain(30, 20, {255, 0, 0, 255})};
-    const auto pdf = PdfWriterMuPdf().encode(pages);
+    const auto pdf = PdfWriterLibdeflate().encode(pages);
     ASSERT_TRUE(pdf);
     for (const char* unwanted : {"/Info", "/ID", "/Metadata", "/Font", "Date", "Producer"}) {
         EXPECT_EQ(text(*pdf).find(unwanted), std::string::npos) << unwanted;
     }
-    EXPECT_EQ(PdfWriterMuPdf().encode(pages), pdf);
+    EXPECT_EQ(PdfWriterLibdeflate().encode(pages), pdf);
 }
 
-TEST(PdfWriterMuPdf, LetsGoOfThePagesItIsGiven) {
+TEST(PdfWriterLibdeflate, LetsGoOfThePagesItIsGiven) {
     BitmapRef page = plain(30, 20, {255, 0, 0, 255});
     const std::weak_ptr<const Bitmap> watched = page;
     std::vector<BitmapRef> pages{std::move(page)};
-    EXPECT_TRUE(PdfWriterMuPdf().encode(std::move(pages)));
+    EXPECT_TRUE(PdfWriterLibdeflate().encode(std::move(pages)));
     EXPECT_TRUE(watched.expired());
 }
 

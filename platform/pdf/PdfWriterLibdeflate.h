@@ -1,11 +1,12 @@
-// PdfWriter on MuPDF, with page images compressed by us, in parallel.
+// PdfWriter in our own words, around page images that libdeflate packs, in parallel. It parses
+// nothing, so that it can work in the program itself.
 #pragma once
 
 #include "io/PdfWriter.h"
 
 namespace murkwell {
 
-class PdfWriterMuPdf final : public PdfWriter {
+class PdfWriterLibdeflate final : public PdfWriter {
 public:
     [[nodiscard]] std::optional<std::vector<std::byte>>
     encode(std::vector<BitmapRef> pages) override;
