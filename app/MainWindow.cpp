@@ -15,6 +15,8 @@
 #include <QMenuBar>
 #include <QMessageBox>
 
+#include <utility>
+
 namespace murkwell {
 namespace {
 
@@ -29,8 +31,9 @@ QAction* addCommand(QMenu& menu, std::string_view title, const QKeySequence& sho
 } // namespace
 
 // The title never names the file: it may be sensitive, and titles are shown to whoever passes by.
-MainWindow::MainWindow(RedactModel& documentModel, FileOpenInbox& inbox)
-    : model(documentModel), content(new ContentView(documentModel, inbox)) {
+MainWindow::MainWindow(RedactModel& documentModel, FileOpenInbox& inbox, Notice notice)
+    : model(documentModel), noticeForAbout(std::move(notice)),
+      content(new ContentView(documentModel, inbox)) {
     setObjectName(QStringLiteral("main"));
     setWindowTitle(QStringLiteral("Murkwell"));
     setCentralWidget(content);
@@ -113,7 +116,11 @@ void MainWindow::showAbout() {
     box->setIconPixmap(windowIcon().pixmap(64));
     box->setTextFormat(Qt::PlainText);
     box->setText(QStringLiteral("Murkwell " MURKWELL_VERSION));
-    box->setInformativeText(text(WindowTexts::aboutText));
+    QString information = text(WindowTexts::aboutText);
+    if (const auto notice = noticeForAbout ? noticeForAbout() : std::nullopt) {
+        information += QStringLiteral("\n\n") + QString::fromStdString(*notice);
+    }
+    box->setInformativeText(information);
     box->open();
 }
 

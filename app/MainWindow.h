@@ -3,6 +3,10 @@
 
 #include <QMainWindow>
 
+#include <functional>
+#include <optional>
+#include <string>
+
 class QAction;
 class QMenu;
 
@@ -17,8 +21,11 @@ class MainWindow final : public QMainWindow {
     Q_OBJECT
 
 public:
-    // Both are referred to and outlive the window.
-    MainWindow(RedactModel& model, FileOpenInbox& inbox);
+    // What About says besides, when there is something.
+    using Notice = std::function<std::optional<std::string>()>;
+
+    // Model and inbox are referred to and outlive the window.
+    MainWindow(RedactModel& model, FileOpenInbox& inbox, Notice notice = {});
 
     // Whether things may move; they do unless told otherwise.
     void setAnimated(bool animated);
@@ -35,6 +42,7 @@ private:
     void showAbout();
 
     RedactModel& model;
+    Notice noticeForAbout;
     ContentView* content;
     QAction* save = nullptr;
     QAction* saveAs = nullptr;

@@ -13,19 +13,22 @@ MurkwellApp::MurkwellApp()
              panels,
              preferences,
              fileManager,
-             {pdfRenderer, pdfWriter, imageCodec, random},
-             {textRecognizer, faceDetector, random}}) {
+             {engines.pdfRenderer, pdfWriter, engines.imageCodec, random},
+             {engines.textRecognizer, engines.faceDetector, random}}) {
     QApplication::setStyle(new WindowStyle); // which takes it
     connect(&desktop, &DesktopSettings::changed, this, &MurkwellApp::followDesktop);
 }
 
-MurkwellApp::~MurkwellApp() = default;
+// A search that still runs ends with the worker that it waits for.
+MurkwellApp::~MurkwellApp() {
+    engines.recognition.cancel();
+}
 
 void MurkwellApp::activate(const ActivationToken& token) {
     if (!window) {
         desktop.waitBriefly();
         followDesktop();
-        window = std::make_unique<MainWindow>(model, inbox);
+        window = std::make_unique<MainWindow>(model, inbox, [this] { return engines.notice(); });
         window->setAnimated(!desktop.prefersReducedMotion());
     }
     bringToFront(*window, token);

@@ -4,10 +4,7 @@
 #include "app/ActivationToken.h"
 #include "core/RandomSource.h"
 #include "model/RedactModel.h"
-#include "platform/faces/FaceDetectorUltraFace.h"
-#include "platform/image/ImageCodecVips.h"
-#include "platform/ocr/TextRecognizerCombined.h"
-#include "platform/pdf/PdfRendererMuPdf.h"
+#include "platform/confined/ConfinedEngines.h"
 #include "platform/pdf/PdfWriterLibdeflate.h"
 #include "platform/qt/DesktopSettings.h"
 #include "platform/qt/ExecutorQt.h"
@@ -38,20 +35,14 @@ public:
     void open(const std::vector<std::filesystem::path>& files, const ActivationToken& token);
 
     [[nodiscard]] bool hasWindow() const { return window != nullptr; }
-    // Whether a search goes on, which cannot be stopped.
-    [[nodiscard]] bool isSearching() const { return executor.isBusy(); }
 
 private:
     void followDesktop();
 
     DesktopSettings desktop; // first, so that it is answered while the rest is made
-    // None of them loads anything before it is first used.
     SystemRandomSource random;
-    PdfRendererMuPdf pdfRenderer;
+    ConfinedEngines engines;
     PdfWriterLibdeflate pdfWriter;
-    ImageCodecVips imageCodec;
-    TextRecognizerCombined textRecognizer;
-    FaceDetectorUltraFace faceDetector;
     PanelsQt panels;
     PreferencesQt preferences;
     FileManagerQt fileManager;

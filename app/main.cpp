@@ -15,8 +15,6 @@
 #include <QTranslator>
 
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <iostream>
 #include <span>
 #include <string>
@@ -100,15 +98,7 @@ int run(const Start& start, int argc, char** argv) {
     } else {
         app.open(start.files, token);
     }
-    const int exitCode = QApplication::exec();
-    if (app.isSearching()) {
-        // A search cannot be stopped, and a page of it takes seconds: the user has closed the
-        // window and shall not find the program still running. Nothing is half written, as files
-        // are written by the main thread, which is here.
-        std::fflush(nullptr);
-        std::_Exit(exitCode);
-    }
-    return exitCode;
+    return QApplication::exec();
 }
 
 } // namespace

@@ -7,10 +7,7 @@
 #include "core/ProcessHardening.h"
 #include "core/RandomSource.h"
 #include "io/TemporaryFile.h"
-#include "platform/faces/FaceDetectorUltraFace.h"
-#include "platform/image/ImageCodecVips.h"
-#include "platform/ocr/TextRecognizerCombined.h"
-#include "platform/pdf/PdfRendererMuPdf.h"
+#include "platform/confined/ConfinedEngines.h"
 #include "platform/pdf/PdfWriterLibdeflate.h"
 
 #include <exception>
@@ -50,17 +47,14 @@ int run(int argc, char** argv) {
         cli::printFailure(cli::noPasswordIn(*file));
         return 1;
     }
-    PdfRendererMuPdf pdfRenderer;
+    ConfinedEngines confined;
     PdfWriterLibdeflate pdfWriter;
-    ImageCodecVips imageCodec;
-    TextRecognizerCombined textRecognizer;
-    FaceDetectorUltraFace faceDetector;
     SystemRandomSource random;
-    const cli::Engines engines{{pdfRenderer, pdfWriter, imageCodec, random},
-                               {textRecognizer, faceDetector, random},
+    const cli::Engines engines{{confined.pdfRenderer, pdfWriter, confined.imageCodec, random},
+                               {confined.textRecognizer, confined.faceDetector, random},
                                passwords};
 
-    return std::visit(
+    const int exitCode = std::visit(
         [&](const auto& chosen) {
             using Chosen = std::decay_t<decltype(chosen)>;
             if constexpr (std::is_same_v<Chosen, cli::Ending>) {
@@ -76,6 +70,10 @@ int run(int argc, char** argv) {
             }
         },
         command);
+    if (const auto notice = confined.notice()) {
+        cli::printFailure(*notice);
+    }
+    return exitCode;
 }
 
 } // namespace

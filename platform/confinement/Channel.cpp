@@ -20,7 +20,9 @@ auto uninterrupted(const Call& call) {
 
 // A header for one message and, where there is one, one descriptor.
 struct Envelope {
-    explicit Envelope(Message& message) : content{&message, sizeof message} {
+    // Sending only reads it.
+    explicit Envelope(const Message& message)
+        : content{const_cast<Message*>(&message), sizeof message} {
         header.msg_iov = &content;
         header.msg_iovlen = 1;
     }
@@ -70,8 +72,7 @@ std::array<Descriptor, 2> Channel::pair() {
 }
 
 bool Channel::send(const Message& message) const {
-    Message copy = message;
-    const Envelope envelope(copy);
+    const Envelope envelope(message);
     return uninterrupted([&] { return ::sendmsg(end.get(), &envelope.header, MSG_NOSIGNAL); }) ==
            sizeof message;
 }
@@ -90,8 +91,7 @@ std::optional<Message> Channel::receive(Descriptor& attached) const {
 }
 
 Channel::Sent Channel::trySend(const Message& message, int attached) const {
-    Message copy = message;
-    Envelope envelope(copy);
+    Envelope envelope(message);
     if (attached >= 0) {
         envelope.attach(attached);
     }

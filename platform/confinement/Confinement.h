@@ -3,15 +3,9 @@
 #pragma once
 
 #include "platform/confinement/Profiles.h"
+#include "platform/confinement/Walls.h"
 
 namespace murkwell {
-
-// What may be missing; added up.
-namespace Walls {
-constexpr int limits = 1; // of memory, files and descriptors
-constexpr int files = 2;  // Landlock
-constexpr int calls = 4;  // seccomp
-} // namespace Walls
 
 // First thing in main(), since it binds the calling thread and those that this one starts: the
 // process ends with the thread of the program that started it, writes no core and no file, is the

@@ -33,7 +33,7 @@ public:
     [[nodiscard]] BitmapRef takeBitmap(const Message& answer);
     [[nodiscard]] std::optional<std::vector<std::byte>> takeBytes(const Message& answer);
 
-    // As the worker said (Confinement.h); none before it was ready.
+    // As the worker said (Walls.h); none before it was ready.
     [[nodiscard]] std::optional<int> missingWalls() const { return missing; }
 
 private:

@@ -13,24 +13,32 @@ namespace murkwell {
 // How a worker ends that was refused memory: not its fault.
 constexpr int exitedForMemory = 75;
 
+// What the recognition worker can do.
+enum class Engine : std::int32_t { text, faces };
+
 struct Message {
     enum class Kind : std::uint32_t {
         // From the program. The first two are kept for the request that follows.
-        source,    // size; attached: the bytes of a file, or none when size is 0
-        picture,   // width, height; attached: pixels
-        lent,      // size; attached: memory for results
-        refused,   // no memory to be had
-        open,      // text: password. The source is a PDF: answered with pages
-        page,      // index: draw this page
-        decode,    // the picture file that is the source
-        encode,    // text: identifier of the type; number: quality, negative for the encoder's own
-        canEncode, // index: the type of that number
-        readText,  // of the picture
-        findFaces, // in the picture
-        isUsable,  // index: a part of the worker that may be missing
+        source,  // size; attached: the bytes of a file, or none when size is 0
+        picture, // width, height; attached: pixels
+        lent,    // size; attached: memory for results
+        refused, // no memory to be had
+        open,    // the PDF that is the source. index: 1 to repair it first; width: 1 when text is a
+                 // password; number, size: bytes of memory for large blocks, one and all.
+                 // Answer: index: pages, or 0, then width 1 when a password is wanted
+        page,    // index: draw this page. Answer: index: DrawnPage::End; a bitmap, or width 0;
+                 // number: 1 when it is complete
+        decode,  // the picture file that is the source. Answer: index: 0; a bitmap; text: type;
+                 // size: pictures in the file
+        encode,  // the picture. text: type; number: quality, negative for the encoder's own.
+                 // Answer: index: 0; bytes
+        canEncode, // index: number of a type. Answer: index: 0; text: type
+        readText,  // of the picture. Answer: index: Outcome; lines
+        findFaces, // in the picture. Answer: index: Outcome; boxes
+        isUsable,  // index: Engine. Answer: index: Outcome; lines: what is missing
 
         // From a worker.
-        ready, // index: missing walls (Confinement.h)
+        ready, // index: missing walls (Walls.h)
         lend,  // size: memory is needed
         done, // index: how it went, as the request has it; width and height of a bitmap, or size of
               // other bytes, in lent memory

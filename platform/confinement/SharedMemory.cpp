@@ -57,6 +57,7 @@ std::shared_ptr<std::byte> mapLent(const Descriptor& file, std::size_t bytes, Ac
     if (start == MAP_FAILED) {
         return nullptr;
     }
+    ::madvise(start, bytes, MADV_DONTDUMP);
     return {static_cast<std::byte*>(start),
             [bytes](std::byte* memory) { ::munmap(memory, bytes); }};
 }

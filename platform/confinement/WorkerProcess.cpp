@@ -14,12 +14,6 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-// Programs start and libraries load in a second; a machine may be busy.
-constexpr auto timeToStart = 20s;
-
-// Its end needs no attention sooner than this.
-constexpr WorkerProcess::Duration longestPatience = 60s;
-
 // None when it has ended.
 std::optional<std::chrono::nanoseconds> processorTimeOf(pid_t process) {
     clockid_t clock{};
@@ -37,9 +31,7 @@ int milliseconds(WorkerProcess::Duration duration) {
 } // namespace
 
 WorkerProcess::WorkerProcess(pid_t child, Descriptor socket)
-    : process(child), conversation(std::move(socket)) {
-    allow(timeToStart);
-}
+    : process(child), conversation(std::move(socket)) {}
 
 WorkerProcess::~WorkerProcess() {
     end();
@@ -70,24 +62,32 @@ bool WorkerProcess::hasCrashed() {
 }
 
 void WorkerProcess::allow(Duration processorTime) {
-    processorTimeAtEnd = processorTimeOf(process).value_or(0ns) + processorTime;
-    endOfWaiting = Clock::now() + 10 * processorTime;
+    const auto now = Clock::now();
+    used = processorTimeOf(process).value_or(used);
+    mostUsed = used + processorTime;
+    lastProgress = now;
+    longestSilence = std::min<std::chrono::nanoseconds>(3 * processorTime, 30s);
+    endOfWaiting = now + 40 * processorTime;
 }
 
-WorkerProcess::Duration WorkerProcess::patience() const {
-    const auto used = processorTimeOf(process);
+WorkerProcess::Duration WorkerProcess::patience() {
+    constexpr auto leastProgress = 1ms;
+    const auto usedNow = processorTimeOf(process);
     const auto now = Clock::now();
-    if (!used || *used >= processorTimeAtEnd || now >= endOfWaiting) {
+    if (usedNow && *usedNow >= used + leastProgress) {
+        used = *usedNow;
+        lastProgress = now;
+    }
+    const auto end = std::min<Clock::time_point>(endOfWaiting, lastProgress + longestSilence);
+    if (!usedNow || *usedNow >= mostUsed || now >= end) {
         return 0ms;
     }
     // On all processors at once.
-    const auto soonest =
-        (processorTimeAtEnd - *used) / static_cast<std::int64_t>(availableProcessors());
-    const auto left = std::min<Clock::duration>(soonest, endOfWaiting - now);
-    return std::min(std::chrono::ceil<Duration>(left), longestPatience);
+    const auto soonest = (mostUsed - *usedNow) / static_cast<std::int64_t>(availableProcessors());
+    return std::chrono::ceil<Duration>(std::min<Clock::duration>(soonest, end - now));
 }
 
-bool WorkerProcess::send(const Message& message, int attached) const {
+bool WorkerProcess::send(const Message& message, int attached) {
     for (;;) {
         switch (conversation.trySend(message, attached)) {
         case Channel::Sent::yes:
@@ -106,14 +106,14 @@ bool WorkerProcess::send(const Message& message, int attached) const {
     }
 }
 
-bool WorkerProcess::sendSource(const SharedMemory& file) const {
+bool WorkerProcess::sendSource(const SharedMemory& file) {
     Message message;
     message.kind = Message::Kind::source;
     message.size = file.size();
     return send(message, file.descriptor());
 }
 
-bool WorkerProcess::sendPicture(const Bitmap& picture) const {
+bool WorkerProcess::sendPicture(const Bitmap& picture) {
     const auto copy = SharedMemory::sealedCopy(std::as_bytes(picture.pixels()));
     Message message;
     message.kind = Message::Kind::picture;

@@ -95,10 +95,10 @@ std::unique_ptr<WorkerProcess> WorkerProcess::start(const std::filesystem::path&
     return std::unique_ptr<WorkerProcess>(new WorkerProcess(child, std::move(ours)));
 }
 
-std::filesystem::path installedWorker(const char* name) {
+std::filesystem::path installedWorkers() {
     std::error_code error;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return program.parent_path().parent_path() / "libexec" / "murkwell" / name;
+    return program.parent_path().parent_path() / "libexec" / "murkwell";
 }
 
 } // namespace murkwell

@@ -1,5 +1,6 @@
 #include "platform/image/HeicEncoding.h"
 
+#include "core/ParallelFor.h"
 #include "platform/image/AlphaArithmetic.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <libheif/heif.h>
 #include <memory>
 #include <new>
+#include <string>
 
 namespace murkwell {
 namespace {
@@ -78,6 +80,9 @@ void configure(heif_encoder* encoder, double quality) {
     heif_encoder_set_lossy_quality(encoder, static_cast<int>(std::lround(quality * 100)));
     heif_encoder_set_parameter_string(encoder, "preset", "ultrafast");
     heif_encoder_set_parameter_string(encoder, "chroma", "420");
+    // Otherwise x265 looks for processors in files, which the walls of a worker do not let it open.
+    heif_encoder_set_parameter_string(encoder, "x265:pools",
+                                      std::to_string(availableProcessors()).c_str());
 }
 
 } // namespace

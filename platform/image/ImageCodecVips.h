@@ -18,4 +18,7 @@ public:
            std::optional<double> lossyCompressionQuality) override;
 };
 
+// Loads all libraries and plug-ins that it will use: afterwards it opens no file.
+void prepareImageCodecVips();
+
 } // namespace murkwell

@@ -162,6 +162,15 @@ std::vector<std::string> ImageCodecVips::encodableTypes() const {
     return identifiers;
 }
 
+void prepareImageCodecVips() {
+    try {
+        const VipsSession session;
+        static_cast<void>(canEncodeHeic());
+    } catch (const VError&) {
+        // Without libvips every call fails.
+    }
+}
+
 std::optional<Bytes> ImageCodecVips::encode(const Bitmap& picture, const ContentType& type,
                                             std::optional<double> lossyCompressionQuality) {
     try {

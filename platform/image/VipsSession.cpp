@@ -2,16 +2,32 @@
 
 #include "core/ParallelFor.h"
 
+#include <gmodule.h>
+
 namespace murkwell {
 namespace {
 
 void drop(const char* /*domain*/, GLogLevelFlags /*level*/, const char* /*text*/, void* /*data*/) {}
 
+// libvips loads every module that lies in its folder: parsers of PDFs, of slides, of a hundred more
+// formats. Of them all we want one, so it is sent elsewhere to look for them.
+bool startWithoutModules() {
+    constexpr gboolean overwrite = TRUE;
+    g_setenv("VIPSHOME", "/nonexistent", overwrite);
+    return vips_init("murkwell") == 0;
+}
+
+// Absent where HEIF is built in, and where it cannot be read.
+void loadHeifModule() {
+    g_module_open(MURKWELL_VIPS_MODULES "/vips-heif.so", G_MODULE_BIND_LAZY);
+}
+
 bool start() {
     g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), drop, nullptr);
-    if (vips_init("murkwell") != 0) {
+    if (!startWithoutModules()) {
         return false;
     }
+    loadHeifModule();
     vips_cache_set_max(0);
     vips_concurrency_set(static_cast<int>(availableProcessors()));
     vips_block_untrusted_set(TRUE);

@@ -1,7 +1,5 @@
 #include "platform/pdf/MuPdf.h"
 
-#include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <malloc.h>
 
@@ -17,57 +15,11 @@ constexpr std::size_t largeBlock = 64 * kibibyte;
 // Decoded images and glyphs kept for the next page. More does not make text pages faster.
 constexpr std::size_t storeSize = 64 * mebibyte;
 
-// How much of the file MuPDF gets at a time. Small enough that a stream which unpacks to a
-// thousand times its size comes by here often.
-constexpr std::size_t windowSize = 16 * kibibyte;
-
 void ignoreMessage(void*, const char*) {}
 
 std::size_t countedSize(void* block) {
     const std::size_t size = ::malloc_usable_size(block);
     return size < largeBlock ? 0 : size;
-}
-
-// The state of a stream over the bytes of a file.
-struct Source {
-    std::span<const std::byte> bytes;
-    const MuPdfContext* owner;
-};
-
-// Shows the window that starts at `position`. MuPDF only reads through the pointers, which are not
-// const for streams that fill a buffer of their own.
-void showWindow(fz_stream* stream, std::size_t position) {
-    const auto& source = *static_cast<const Source*>(stream->state);
-    const std::size_t length = std::min(windowSize, source.bytes.size() - position);
-    const auto* const start =
-        reinterpret_cast<const unsigned char*>(source.bytes.data()) + position;
-    stream->rp = const_cast<unsigned char*>(start);
-    stream->wp = stream->rp + length;
-    stream->pos = static_cast<std::int64_t>(position + length);
-}
-
-int nextByte(fz_context* context, fz_stream* stream, std::size_t) {
-    const auto& source = *static_cast<const Source*>(stream->state);
-    if (source.owner->isInterrupted()) {
-        fz_throw(context, FZ_ERROR_GENERIC, "interrupted");
-    }
-    const auto position = static_cast<std::size_t>(stream->pos);
-    if (position >= source.bytes.size()) {
-        return EOF;
-    }
-    showWindow(stream, position);
-    return *stream->rp++;
-}
-
-void seek(fz_context*, fz_stream* stream, std::int64_t offset, int whence) {
-    const auto size =
-        static_cast<std::int64_t>(static_cast<const Source*>(stream->state)->bytes.size());
-    const std::int64_t base = whence == SEEK_END ? size : 0;
-    showWindow(stream, static_cast<std::size_t>(std::clamp<std::int64_t>(base + offset, 0, size)));
-}
-
-void dropSource(fz_context*, void* state) {
-    delete static_cast<Source*>(state);
 }
 
 } // namespace
@@ -89,13 +41,11 @@ MuPdfContext::~MuPdfContext() {
 
 MuPdfContext::Opened MuPdfContext::open(std::span<const std::byte> bytes,
                                         const std::optional<std::string>& password) {
-    auto* const source = new Source{bytes, this};
+    const auto* const start = reinterpret_cast<const unsigned char*>(bytes.data());
     fz_stream* stream = nullptr;
-    // On failure the stream's maker has already dropped the source.
-    if (!attempt(context, [&] { stream = fz_new_stream(context, source, nextByte, dropSource); })) {
+    if (!attempt(context, [&] { stream = fz_open_memory(context, start, bytes.size()); })) {
         return {};
     }
-    stream->seek = seek;
     Opened opened;
     const bool isReadable = attempt(context, [&] {
         opened.document = pdf_open_document_with_stream(context, stream);
@@ -144,7 +94,7 @@ void* MuPdfContext::allocate(void* self, std::size_t size) {
 
 void* MuPdfContext::reallocate(void* self, void* block, std::size_t size) {
     auto& context = *static_cast<MuPdfContext*>(self);
-    if (context.interrupted || !context.admits(size)) {
+    if (!context.admits(size)) {
         return nullptr;
     }
     const std::size_t oldSize = countedSize(block);

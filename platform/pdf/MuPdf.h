@@ -65,16 +65,11 @@ public:
     [[nodiscard]] Opened open(std::span<const std::byte> bytes,
                               const std::optional<std::string>& password);
 
-    // While interrupted, every allocation and every read from the bytes fails, so that whatever
-    // MuPDF is doing comes to an end. May be called from any thread.
-    void interrupt(bool on) { interrupted = on; }
-    [[nodiscard]] bool isInterrupted() const { return interrupted; }
-
-    // Whether it was interrupted, or refused memory for which there was a limit or no room, since
-    // it was made or started afresh. MuPDF does not always say so: it goes on without a font.
-    [[nodiscard]] bool wasStopped() const { return interrupted || refused; }
+    // Whether it was refused memory for which there was a limit or no room, since it was made or
+    // started afresh. MuPDF does not always say so: it goes on without a font.
+    [[nodiscard]] bool wasStopped() const { return refused; }
     [[nodiscard]] bool sawAbsurdBlock() const { return sawAbsurd; }
-    void startAfresh() { interrupted = refused = sawAbsurd = false; }
+    void startAfresh() { refused = sawAbsurd = false; }
 
     // Whether a block of this size may be had. One that may not counts as refused.
     [[nodiscard]] bool admits(std::size_t size);
@@ -92,7 +87,6 @@ private:
     MuPdfMemory& memory;
     std::size_t mostInOne;
     std::size_t mostInAll;
-    std::atomic<bool> interrupted{false};
     bool refused = false;
     bool sawAbsurd = false;
     fz_context* context;

@@ -13,12 +13,13 @@
 namespace murkwell {
 
 struct PageLimits {
-    std::chrono::nanoseconds openingTime; // processor time
+    std::chrono::nanoseconds openingTime; // processor time; kept by who can end the process
     std::chrono::nanoseconds pageTime;    // the same
     // Of large blocks, decoded streams and pictures, in bytes: in one, and in all of the drawers
     // that there are.
     std::size_t largestBlock;
     std::size_t allLargeBlocks;
+    std::size_t drawers = 1; // at the same time, at most
 };
 
 struct DrawnPage {

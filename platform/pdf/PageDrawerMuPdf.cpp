@@ -1,7 +1,6 @@
 #include "platform/pdf/PageDrawerMuPdf.h"
 
 #include "core/Geometry.h"
-#include "platform/pdf/Deadline.h"
 #include "platform/pdf/OptionalContent.h"
 #include "platform/pdf/PackedRgb.h"
 #include "platform/pdf/PageDrawing.h"
@@ -98,7 +97,7 @@ class PageDrawerMuPdf final : public PageDrawer {
 public:
     PageDrawerMuPdf(std::span<const std::byte> bytes, const std::optional<std::string>& given,
                     const PageLimits& within, FileReading how, MuPdfMemory& memory)
-        : pdf(bytes), password(given), limits(within), reading(how),
+        : pdf(bytes), password(given), reading(how),
           context(memory, within.largestBlock, within.allLargeBlocks) {
         if (context.get() != nullptr) {
             fz_tune_image_decode(context.get(), noteDecoding, &hasDecodedPictures);
@@ -113,20 +112,15 @@ public:
         if (context.get() == nullptr) {
             return LoadFailure::unreadable;
         }
-        bool needsPassword = false;
-        {
-            const Deadline deadline(limits.openingTime, [&] { context.interrupt(true); });
-            const auto opened = context.open(pdf, password);
-            document = opened.document;
-            needsPassword = opened.needsPassword;
-            if (document != nullptr) {
-                findPages();
-            }
-        }
-        if (needsPassword) {
+        const auto opened = context.open(pdf, password);
+        document = opened.document;
+        if (opened.needsPassword) {
             return LoadFailure::needsPassword;
         }
-        // Pages that memory or time did not suffice for are not all there.
+        if (document != nullptr) {
+            findPages();
+        }
+        // Pages that memory did not suffice for are not all there.
         return count < 1 || context.wasStopped() ? std::optional(LoadFailure::unreadable)
                                                  : std::nullopt;
     }
@@ -139,14 +133,7 @@ public:
         }
         const bool wasRepairedBefore = wasRepaired();
         fz_cookie cookie{};
-        DrawnPage drawn{};
-        {
-            const Deadline deadline(limits.pageTime, [&] {
-                cookie.abort = 1;
-                context.interrupt(true);
-            });
-            drawn = draw(static_cast<int>(index), cookie);
-        }
+        DrawnPage drawn = draw(static_cast<int>(index), cookie);
         hasMendedPages = cookie.errors > 0;
         if (wasRepaired() && !wasRepairedBefore) {
             return {End::repaired, {}};
@@ -237,7 +224,6 @@ private:
 
     std::span<const std::byte> pdf;
     std::optional<std::string> password;
-    PageLimits limits;
     FileReading reading;
     MuPdfContext context;
     pdf_document* document = nullptr;

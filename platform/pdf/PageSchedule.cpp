@@ -36,7 +36,7 @@ public:
 
     // None when the file turned out to be damaged.
     std::optional<PdfRenderer::Result> run() {
-        auto opened = open(together, reading);
+        auto opened = open(sideBySide(), reading);
         if (const auto* const failure = std::get_if<LoadFailure>(&opened)) {
             return *failure;
         }
@@ -61,6 +61,12 @@ public:
     }
 
 private:
+    [[nodiscard]] PageLimits sideBySide() const {
+        PageLimits limits = together;
+        limits.drawers = threadCount;
+        return limits;
+    }
+
     // One that shows other pages than the others do is of no use.
     std::unique_ptr<PageDrawer> openAnother(const PageLimits& limits) {
         auto opened = open(limits, reading);
@@ -88,7 +94,8 @@ private:
         (void)parallelFor(
             wanted,
             [&](std::size_t thread) {
-                const auto drawer = thread == 0 && first ? std::move(first) : openAnother(together);
+                const auto drawer =
+                    thread == 0 && first ? std::move(first) : openAnother(sideBySide());
                 if (drawer) { // else the others take its pages
                     work(*drawer);
                 }

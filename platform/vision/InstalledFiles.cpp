@@ -14,11 +14,16 @@ std::optional<fs::path> environmentPath(const char* variable) {
     return value != nullptr && *value != '\0' ? std::optional<fs::path>(value) : std::nullopt;
 }
 
-// The folder above the one that holds the running program: /usr of /usr/bin/murkwell.
+// /usr of /usr/bin/murkwell and of /usr/libexec/murkwell/murkwell-recognition.
 std::optional<fs::path> programPrefix() {
     std::error_code error;
     const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    return error ? std::nullopt : std::optional(program.parent_path().parent_path());
+    if (error) {
+        return std::nullopt;
+    }
+    const fs::path folder = program.parent_path();
+    const bool isWorker = folder.parent_path().filename() == "libexec";
+    return (isWorker ? folder.parent_path() : folder).parent_path();
 }
 
 std::optional<fs::path> cacheFolder() {
@@ -29,21 +34,24 @@ std::optional<fs::path> cacheFolder() {
     return home ? std::optional(*home / ".cache" / "murkwell") : std::nullopt;
 }
 
+std::vector<fs::path> foldersOfModels() {
+    if (const auto chosen = environmentPath("MURKWELL_MODELS")) {
+        return {*chosen};
+    }
+    std::vector<fs::path> folders;
+    if (const auto prefix = programPrefix()) {
+        folders.push_back(*prefix / "share" / "murkwell" / "models");
+    }
+    if (const auto cache = cacheFolder()) {
+        folders.push_back(*cache / "models");
+    }
+    return folders;
+}
+
 } // namespace
 
 std::optional<fs::path> installedModel(std::string_view name) {
-    std::vector<fs::path> folders;
-    if (const auto chosen = environmentPath("MURKWELL_MODELS")) {
-        folders.push_back(*chosen);
-    } else {
-        if (const auto prefix = programPrefix()) {
-            folders.push_back(*prefix / "share" / "murkwell" / "models");
-        }
-        if (const auto cache = cacheFolder()) {
-            folders.push_back(*cache / "models");
-        }
-    }
-    for (const fs::path& folder : folders) {
+    for (const fs::path& folder : foldersOfModels()) {
         std::error_code error;
         if (fs::is_regular_file(folder / name, error)) {
             return folder / name;
@@ -62,6 +70,16 @@ std::vector<fs::path> placesOfLibrary(std::string_view name) {
         places.push_back(*cache / "onnxruntime" / "lib" / name);
     }
     return places;
+}
+
+std::vector<fs::path> installedFolders() {
+    auto folders = foldersOfModels();
+    for (const fs::path& place : placesOfLibrary("any")) {
+        if (place.has_parent_path()) {
+            folders.push_back(place.parent_path());
+        }
+    }
+    return folders;
 }
 
 } // namespace murkwell

@@ -3,10 +3,7 @@
 #include "app/MainWindow.h"
 
 #include "core/RandomSource.h"
-#include "platform/faces/FaceDetectorUltraFace.h"
-#include "platform/image/ImageCodecVips.h"
-#include "platform/ocr/TextRecognizerCombined.h"
-#include "platform/pdf/PdfRendererMuPdf.h"
+#include "platform/confined/ConfinedEngines.h"
 #include "platform/pdf/PdfWriterLibdeflate.h"
 #include "platform/qt/ExecutorQt.h"
 #include "tests/support/FakeDesktop.h"
@@ -96,12 +93,9 @@ struct WholeRoad : testing::Test {
     [[nodiscard]] CanvasWidget& canvas() const { return *window.findChild<CanvasWidget*>(); }
 
     TemporaryFolder folder;
-    PdfRendererMuPdf renderer;
+    ConfinedEngines engines;
     PdfWriterLibdeflate writer;
-    ImageCodecVips codec;
     SystemRandomSource random;
-    TextRecognizerCombined text;
-    FaceDetectorUltraFace faces;
     FakePanels panels;
     FakePreferences preferences;
     FakeFileManager fileManager;
@@ -110,8 +104,8 @@ struct WholeRoad : testing::Test {
                        panels,
                        preferences,
                        fileManager,
-                       {renderer, writer, codec, random},
-                       {text, faces, random}}};
+                       {engines.pdfRenderer, writer, engines.imageCodec, random},
+                       {engines.textRecognizer, engines.faceDetector, random}}};
     FileOpenInbox inbox;
     MainWindow window{model, inbox};
 };

@@ -13,7 +13,11 @@ using namespace std::chrono_literals;
 using Kind = Message::Kind;
 
 std::unique_ptr<WorkerProcess> startProbe() {
-    return WorkerProcess::start(MURKWELL_PROBE_WORKER, {"image", "root", "walls"});
+    auto worker = WorkerProcess::start(MURKWELL_PROBE_WORKER, {"image", "root", "walls"});
+    if (worker) {
+        worker->allow(20s);
+    }
+    return worker;
 }
 
 std::optional<Message> ask(WorkerProcess& worker, Kind kind) {
@@ -93,6 +97,7 @@ TEST(WorkerProcess, OneThatWorksForTooLongHasFailed) {
     ASSERT_TRUE(worker && ask(*worker, Kind::isUsable));
     worker->allow(100ms);
     EXPECT_FALSE(ask(*worker, Kind::open));
+    EXPECT_TRUE(worker->isLate());
     EXPECT_FALSE(worker->hasCrashed());
 }
 
