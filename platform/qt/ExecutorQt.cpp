@@ -49,11 +49,6 @@ void ExecutorQt::onMain(std::function<void()> job) {
     QMetaObject::invokeMethod(&mainThread, std::move(job), Qt::QueuedConnection);
 }
 
-bool ExecutorQt::isBusy() const {
-    const std::lock_guard lock(mutex);
-    return !waiting.empty();
-}
-
 void ExecutorQt::work() {
     giveWayToTheMainThread();
     std::unique_lock lock(mutex);

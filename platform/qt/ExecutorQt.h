@@ -26,14 +26,11 @@ public:
     [[nodiscard]] bool background(std::function<void()> job) override;
     void onMain(std::function<void()> job) override;
 
-    // Whether a background job runs or waits. Any thread.
-    [[nodiscard]] bool isBusy() const;
-
 private:
     void work();
 
     QObject mainThread; // receives the jobs of onMain(); with it go those that wait
-    mutable std::mutex mutex;
+    std::mutex mutex;
     std::condition_variable changed;
     std::deque<std::function<void()>> waiting; // the first one may be running
     bool isEnding = false;

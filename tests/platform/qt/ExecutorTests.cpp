@@ -93,21 +93,6 @@ TEST(ExecutorQt, MainJobsAreNeverRunAtOnce) {
     EXPECT_TRUE(ran);
 }
 
-TEST(ExecutorQt, IsBusyWhileAJobRunsOrWaits) {
-    ExecutorQt executor;
-    EXPECT_FALSE(executor.isBusy());
-    std::promise<void> mayEnd;
-    EXPECT_TRUE(executor.background([&] { mayEnd.get_future().wait(); }));
-    EXPECT_TRUE(executor.isBusy());
-    QEventLoop loop;
-    EXPECT_TRUE(executor.background([&] { executor.onMain([&] { loop.quit(); }); }));
-    mayEnd.set_value();
-    loop.exec();
-    while (executor.isBusy()) {
-        std::this_thread::yield(); // the last job may not quite have returned
-    }
-}
-
 TEST(ExecutorQt, NoMainJobRunsAfterItsEnd) {
     auto executor = std::make_unique<ExecutorQt>();
     bool ran = false;
