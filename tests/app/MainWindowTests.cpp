@@ -46,7 +46,8 @@ struct MainWindowTest : testing::Test {
     ModelUnderTest under;
     RedactModel& model = *under.model;
     FileOpenInbox inbox;
-    MainWindow window{model, inbox};
+    std::optional<std::string> notice;
+    MainWindow window{model, inbox, [this] { return notice; }};
 };
 
 TEST_F(MainWindowTest, IsOneWindowOfTheGivenSize) {
@@ -201,11 +202,16 @@ TEST_F(MainWindowTest, ClosingDuringASearchIsNotAskedAbout) {
 
 TEST_F(MainWindowTest, AboutSaysWhatThisIsAndStaysOutOfTheWay) {
     window.show();
-    command(2, 2).trigger();
-    auto* const about = window.findChild<QMessageBox*>();
-    ASSERT_TRUE(about);
-    EXPECT_TRUE(about->text().startsWith(QStringLiteral("Murkwell ")));
-    about->close();
+    for (const bool lacksSomething : {false, true}) {
+        notice = lacksSomething ? std::optional<std::string>("less protection") : std::nullopt;
+        command(2, 2).trigger();
+        auto* const about = window.findChild<QMessageBox*>();
+        ASSERT_TRUE(about);
+        EXPECT_TRUE(about->text().startsWith(QStringLiteral("Murkwell ")));
+        EXPECT_EQ(about->informativeText().endsWith(QStringLiteral("less protection")),
+                  lacksSomething);
+        delete about;
+    }
 }
 
 TEST_F(MainWindowTest, TheIconOfUpdatesHasTheColourOfTheMenusText) {

@@ -3,8 +3,8 @@
 import unittest
 
 import documents
-from network import (CAN_ISOLATE, CAN_TRACE, LOCAL, WITHOUT_NETWORK, Watching,  # noqa: F401
-                     run, run_traced)
+from network import (CAN_ISOLATE, CAN_TRACE, LOCAL, TRACED, WITHOUT_NETWORK,  # noqa: F401
+                     Watching, run, run_traced)
 from program import CLI, TestInFolder
 
 
@@ -50,3 +50,16 @@ class Road(TestInFolder):
             result = run(command, WITHOUT_NETWORK)
             self.assertEqual(result.returncode, 0, result.stderr)
         self.assert_all_was_done()
+
+
+class Walls(TestInFolder):
+    @unittest.skipUnless(CAN_TRACE, "strace is not allowed to trace here")
+    def test_one_that_the_system_lacks_is_named_once(self):
+        letter = self.write("letter.pdf", documents.letter(2))
+        lacking = ["strace", "--follow-forks", "--quiet=all", "--output=/dev/null",
+                   "--trace=landlock_create_ruleset",
+                   "--inject=landlock_create_ruleset:error=ENOSYS"]
+        result = run([CLI, "info", letter, letter], lacking, TRACED)
+        self.assertEqual((result.returncode, result.stderr),
+                         (0, "Files are opened with less protection than usual: this system lacks "
+                             "Landlock.\n"))
