@@ -76,7 +76,8 @@ void readOnce(TextRecognizer& recognizer, const Bitmap& page, Cost& best) {
 }
 
 void benchReading(const Bitmap& page) {
-    TextRecognizerTesseract alone;
+    TesseractEngines engines;
+    TextRecognizerTesseract alone(engines);
     TextRecognizerCombined both;
     // The first readings load data and models.
     Cost unused;

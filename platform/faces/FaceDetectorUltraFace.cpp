@@ -2,6 +2,7 @@
 
 #include "core/ParallelFor.h"
 #include "platform/faces/FaceCandidates.h"
+#include "platform/vision/Grain.h"
 #include "platform/vision/InstalledFiles.h"
 #include "platform/vision/OnnxSession.h"
 #include "platform/vision/PixelMatrix.h"
@@ -65,39 +66,9 @@ cv::Mat resized(const cv::Mat& image, const cv::Size& size, double scale) {
     return result;
 }
 
-// Standard deviation of the noise in grey levels. The median response of a mask that flat and
-// sloped areas leave at 0 (Immerkaer 1996) looks past the edges of text and faces.
-double grainOf(const cv::Mat& pixels) {
-    const cv::Matx33f mask(1, -2, 1, -2, 4, -2, 1, -2, 1);
-    constexpr double maskGain = 6;
-    constexpr double medianOfNormal = .6745; // of its absolute values, in standard deviations
-    cv::Mat grey;
-    cv::Mat response;
-    cv::cvtColor(onWhite(pixels), grey, cv::COLOR_BGR2GRAY);
-    cv::filter2D(grey, response, CV_16S, mask);
-    std::vector<int> sizes;
-    for (int y = 1; y < response.rows - 1; y += 2) {
-        for (int x = 1; x < response.cols - 1; x += 3) {
-            sizes.push_back(std::abs(response.at<short>(y, x)));
-        }
-    }
-    if (sizes.empty()) {
-        return 0;
-    }
-    const auto middle = sizes.begin() + static_cast<std::ptrdiff_t>(sizes.size() / 2);
-    std::ranges::nth_element(sizes, middle);
-    return *middle / (maskGain * medianOfNormal);
-}
-
-// The picture, smoothed when it has much grain. A picture too large to be searched as it is loses
-// its grain when it is made smaller.
-cv::Mat withoutGrain(const cv::Mat& pixels) {
-    if (longSide(pixels) > finestLongSide || grainOf(pixels) <= mostGrain) {
-        return pixels;
-    }
-    cv::Mat smooth;
-    cv::medianBlur(pixels, smooth, 3);
-    return smooth;
+// A picture too large to be searched as it is loses its grain when it is made smaller.
+cv::Mat smoothed(const cv::Mat& pixels) {
+    return longSide(pixels) > finestLongSide ? pixels : withoutGrain(pixels, mostGrain);
 }
 
 // Candidates in pixels of the picture, from copies of it that halve in size.
@@ -188,7 +159,7 @@ std::optional<bool> isFace(const cv::Mat& pixels, const FaceCandidate& candidate
 
 // Boxes inside the picture. None when the network fails.
 std::optional<std::vector<FaceCandidate>> facesIn(const Bitmap& image, OnnxSession& network) {
-    const cv::Mat pixels = withoutGrain(pixelsOf(image));
+    const cv::Mat pixels = smoothed(pixelsOf(image));
     const auto candidates = searchAllSizes(pixels, network);
     if (!candidates) {
         return std::nullopt;

@@ -6,33 +6,36 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace murkwell {
 namespace {
 
 constexpr double height = LineStrip::height;
 
-// A visible character between its two cuts.
 struct Glyph {
-    char character;
+    PlacedCharacter placed;
     double centre;
-    bool spaceBefore; // as the reader saw it
-    double left = 0;
-    double right = 0;
 };
 
 std::vector<Glyph> visibleOf(const std::vector<ReadCharacter>& read) {
     std::vector<Glyph> glyphs;
     bool space = false;
     for (const ReadCharacter& next : read) {
-        if (next.character == ' ') {
-            space = true;
+        if (next.text == " ") {
+            space = !glyphs.empty();
             continue;
         }
-        glyphs.push_back({next.character, next.centre, space});
+        glyphs.push_back({{next.text, next.nearly, 0, 0, space, space}, next.centre});
         space = false;
     }
     return glyphs;
+}
+
+// As gaps know characters.
+char asciiOf(const std::string& text) {
+    const bool ascii = text.size() == 1 && static_cast<unsigned char>(text.front()) < 0x80;
+    return ascii ? text.front() : '\0';
 }
 
 // Follows the ink from a centre outward to where a wide blank begins.
@@ -69,9 +72,9 @@ int thinnestColumn(const InkProfile& ink, double from, double to) {
     return best;
 }
 
-// The two profiles of a strip: faint ink closes gaps that plain ink leaves open.
+// The two profiles of a line: faint ink closes gaps that plain ink leaves open.
 struct Ink {
-    explicit Ink(const cv::Mat& strip) : faint(strip, .3), plain(strip, .5) {}
+    explicit Ink(const cv::Mat& line) : faint(line, .3), plain(line, .5) {}
 
     InkProfile faint;
     InkProfile plain;
@@ -87,45 +90,47 @@ CharacterGap cutBetween(Glyph& before, Glyph& after, const Ink& ink) {
     }
     const double cut = blank ? (blank->begin + blank->end) / 2.0
                              : thinnestColumn(ink.faint, before.centre, after.centre);
-    before.right = cut;
-    after.left = cut;
-    if (blank && (after.spaceBefore || blank->width() > .3 * height)) {
-        before.right = std::min(cut, blank->begin + margin);
-        after.left = std::max(cut, blank->end - margin);
+    before.placed.right = cut;
+    after.placed.left = cut;
+    if (blank && (after.placed.spaceRead || blank->width() > .3 * height)) {
+        before.placed.right = std::min(cut, blank->begin + margin);
+        after.placed.left = std::max(cut, blank->end - margin);
     }
-    return {before.character, after.character,
+    return {asciiOf(before.placed.text), asciiOf(after.placed.text),
             static_cast<double>(plainBlank ? plainBlank->width() : 0), after.centre - before.centre,
-            after.spaceBefore};
+            after.placed.spaceRead};
 }
 
 } // namespace
 
 std::vector<PlacedCharacter> placeCharacters(const std::vector<ReadCharacter>& read,
-                                             const cv::Mat& strip) {
+                                             const cv::Mat& line) {
     std::vector<Glyph> glyphs = visibleOf(read);
     if (glyphs.empty()) {
         return {};
     }
-    const Ink ink(strip);
+    const Ink ink(line);
     Glyph& first = glyphs.front();
     Glyph& last = glyphs.back();
     const double steps = static_cast<double>(glyphs.size()) - 1;
     const double pitch = steps > 0 ? (last.centre - first.centre) / steps : height / 2;
-    first.left = std::min(outerEdge(ink.faint, first.centre, -1, pitch), first.centre - .3 * pitch);
-    last.right = std::max(outerEdge(ink.faint, last.centre, 1, pitch), last.centre + .3 * pitch);
+    first.placed.left =
+        std::min(outerEdge(ink.faint, first.centre, -1, pitch), first.centre - .3 * pitch);
+    last.placed.right =
+        std::max(outerEdge(ink.faint, last.centre, 1, pitch), last.centre + .3 * pitch);
 
     std::vector<CharacterGap> gaps;
     for (std::size_t i = 0; i + 1 < glyphs.size(); ++i) {
         gaps.push_back(cutBetween(glyphs[i], glyphs[i + 1], ink));
     }
     const std::vector<bool> spaces = decideSpaces(gaps);
+    for (std::size_t i = 0; i < gaps.size(); ++i) {
+        glyphs[i + 1].placed.spaceDecided = spaces[i];
+    }
 
     std::vector<PlacedCharacter> placed;
-    for (std::size_t i = 0; i < glyphs.size(); ++i) {
-        if (i > 0 && spaces[i - 1]) {
-            placed.push_back({' ', glyphs[i - 1].right, glyphs[i].left});
-        }
-        placed.push_back({glyphs[i].character, glyphs[i].left, glyphs[i].right});
+    for (Glyph& glyph : glyphs) {
+        placed.push_back(std::move(glyph.placed));
     }
     return placed;
 }

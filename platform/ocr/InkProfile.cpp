@@ -60,6 +60,23 @@ int largestDifference(const Histogram& histogram, int paper, long pixels) {
 
 } // namespace
 
+bool hasLightInk(const cv::Mat& strip) {
+    constexpr int block = 48; // columns, over which a shadow hardly changes
+    cv::Mat grey;
+    cv::cvtColor(strip, grey, cv::COLOR_BGR2GRAY);
+    double skew = 0;
+    for (int x = 0; x < grey.cols; x += block) {
+        const Histogram histogram = histogramOf(grey.colRange(x, std::min(x + block, grey.cols)));
+        const int paper = paperOf(histogram);
+        for (int level = 0; level < 256; ++level) {
+            const double difference = level - paper;
+            skew += difference * difference * difference *
+                    static_cast<double>(histogram[static_cast<std::size_t>(level)]);
+        }
+    }
+    return skew > 0;
+}
+
 InkProfile::InkProfile(const cv::Mat& strip, double share)
     : counts(static_cast<std::size_t>(strip.cols)) {
     const int edge = strip.rows / 8;

@@ -15,6 +15,9 @@ struct BlankRun {
     [[nodiscard]] int width() const { return end - begin; }
 };
 
+// Whether the ink of a strip is lighter than its paper.
+[[nodiscard]] bool hasLightInk(const cv::Mat& strip);
+
 class InkProfile {
 public:
     // Ink is what differs from the commonest grey by more than that share of the largest

@@ -1,29 +1,27 @@
 #include "platform/ocr/LineFinder.h"
 
+#include "platform/ocr/LineStrip.h"
+#include "platform/ocr/PageTiles.h"
 #include "platform/vision/OnnxSession.h"
 #include "platform/vision/PixelMatrix.h"
 
 #include <algorithm>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
+#include <utility>
 
 namespace murkwell {
 namespace {
 
-constexpr double longestSide = 2560;   // pixels of the searched image
-constexpr double largestArea = 3.5e6;  // of the searched image; a megapixel takes 150 MB
+constexpr double usualScale = .7;      // of the page: half the work, and no line is lost by it
+constexpr double smallArea = .6e6;     // pixels; up to this a page keeps its size
+constexpr double largestArea = 1.6e6;  // pixels of one look; a megapixel takes 150 MB
 constexpr int stride = 32;             // the network takes multiples of this
 constexpr double textProbability = .3; // of a pixel, to belong to a line
 constexpr double lineProbability = .5; // mean over a line's outline
 constexpr float thinnestLine = 3;      // pixels
 // The network marks the kernels of lines; area x growth / perimeter is how far they reach out.
 constexpr float growth = 1.6F;
-
-double searchedScale(const cv::Mat& pixels) {
-    const double area = static_cast<double>(pixels.cols) * pixels.rows;
-    return std::min(
-        {1.0, longestSide / std::max(pixels.cols, pixels.rows), std::sqrt(largestArea / area)});
-}
 
 cv::Mat searchedImage(const cv::Mat& pixels, double scale) {
     if (scale == 1) {
@@ -61,6 +59,10 @@ Tensor inputFor(const cv::Mat& image) {
     return input;
 }
 
+constexpr double square(double value) {
+    return value * value;
+}
+
 double meanInside(const std::vector<cv::Point>& outline, const cv::Mat& probability) {
     const cv::Rect area =
         cv::boundingRect(outline) & cv::Rect(0, 0, probability.cols, probability.rows);
@@ -93,10 +95,10 @@ std::vector<cv::RotatedRect> linesIn(const cv::Mat& probability) {
     return lines;
 }
 
-} // namespace
+using Places = std::vector<cv::RotatedRect>;
 
-std::optional<std::vector<cv::RotatedRect>> findLines(const cv::Mat& pixels, OnnxSession& network) {
-    const double scale = searchedScale(pixels);
+// Looks at the pixels once, brought to that scale. Places are in pixels of what is given.
+std::optional<Places> look(const cv::Mat& pixels, double scale, OnnxSession& network) {
     const cv::Mat image = paddedToStride(searchedImage(pixels, scale));
     auto outputs = network.run(inputFor(image));
     const std::vector<std::int64_t> expected{1, 1, image.rows, image.cols};
@@ -104,13 +106,57 @@ std::optional<std::vector<cv::RotatedRect>> findLines(const cv::Mat& pixels, Onn
         return std::nullopt;
     }
     const cv::Mat probability(image.size(), CV_32F, outputs->front().values.data());
-    std::vector<cv::RotatedRect> lines = linesIn(probability);
+    Places lines = linesIn(probability);
     const auto enlarge = static_cast<float>(1 / scale);
     for (cv::RotatedRect& line : lines) {
         line.center *= enlarge;
         line.size *= enlarge;
     }
     return lines;
+}
+
+// Whether most of what was found, by length, runs down or up the page.
+bool mostRunDown(const Places& places) {
+    double level = 0;
+    double upright = 0;
+    for (const cv::RotatedRect& place : places) {
+        (isVertical(place) ? upright : level) += std::max(place.size.width, place.size.height);
+    }
+    return upright > level;
+}
+
+// Looks at the parts of a large page and adds what is in each. Tiles lie along the lines, so that
+// few of these are cut; a line cut lengthwise lies whole in the next tile.
+bool addFromTiles(const cv::Mat& pixels, OnnxSession& network, Places& places) {
+    const bool down = mostRunDown(places);
+    for (const cv::Rect& tile : tilesOf(pixels.size(), down, largestArea / square(usualScale))) {
+        auto found = look(pixels(tile), usualScale, network);
+        if (!found) {
+            return false;
+        }
+        for (cv::RotatedRect& place : *found) {
+            if (!isCutLengthwise(place, tile, pixels.size(), down)) {
+                place.center += cv::Point2f(tile.tl());
+                places.push_back(place);
+            }
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<std::vector<cv::RotatedRect>> findLines(const cv::Mat& pixels, OnnxSession& network) {
+    const double area = static_cast<double>(pixels.cols) * pixels.rows;
+    if (area * square(usualScale) <= largestArea) {
+        const double scale = std::clamp(std::sqrt(smallArea / area), usualScale, 1.0);
+        return look(pixels, scale, network);
+    }
+    auto places = look(pixels, std::sqrt(largestArea / area), network);
+    if (!places || !addFromTiles(pixels, network, *places)) {
+        return std::nullopt;
+    }
+    return withoutRepeats(std::move(*places));
 }
 
 } // namespace murkwell

@@ -10,8 +10,8 @@ namespace murkwell {
 class OnnxSession;
 
 // Rectangles around single lines, turned as the lines are turned, in pixels of the page and in no
-// order. Lines of a large page are looked for on a smaller copy. None when the network fails.
-// Pixels are RGBA, premultiplied.
+// order. A large page is looked at as a whole, for huge type, and in tiles, for small type. None
+// when the network fails. Pixels are RGBA, premultiplied.
 [[nodiscard]] std::optional<std::vector<cv::RotatedRect>> findLines(const cv::Mat& pixels,
                                                                     OnnxSession& network);
 

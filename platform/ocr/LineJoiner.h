@@ -7,8 +7,10 @@
 
 namespace murkwell {
 
-// Level pieces of the same height on one baseline with less than a space or two between them
-// become one line, a space standing for the gap. The result is in order of the top edges.
+// Pieces of the same height that continue each other along their direction with less than a space
+// or two between them become one line, a space standing for the gap. Groups of digits that stand
+// further apart, as in the fields of a form, are given once more as one line. The result is in
+// order of the top edges.
 [[nodiscard]] std::vector<PageLine> joinLines(std::vector<PageLine> pieces);
 
 } // namespace murkwell

@@ -1,7 +1,8 @@
 #include "platform/ocr/LineMerge.h"
 
 #include <algorithm>
-#include <utility>
+#include <iterator>
+#include <string>
 
 namespace murkwell {
 namespace {
@@ -24,31 +25,7 @@ bool says(const RecognizedLine& other, const RecognizedLine& line) {
     return shareOn(other, line.box) > onSame && other.text.find(line.text) != std::string::npos;
 }
 
-bool runsDownOrUp(const RecognizedLine& line, PixelSize page) {
-    constexpr std::size_t fewest = 3; // a single "1" is higher than wide too
-    return line.text.size() >= fewest &&
-           line.box.height * page.height > 1.5 * line.box.width * page.width;
-}
-
 } // namespace
-
-std::vector<RecognizedLine> mergeReadings(std::vector<RecognizedLine> first,
-                                          std::vector<RecognizedLine> second, PixelSize page) {
-    constexpr double onVertical = .2; // share of the second reader's line
-    std::erase_if(second, [&](const RecognizedLine& line) {
-        double vertical = 0;
-        bool said = false;
-        for (const RecognizedLine& other : first) {
-            if (runsDownOrUp(other, page)) {
-                vertical += shareOn(other, line.box);
-            }
-            said = said || says(other, line);
-        }
-        return said || vertical > onVertical;
-    });
-    first.insert(first.end(), std::move_iterator(second.begin()), std::move_iterator(second.end()));
-    return first;
-}
 
 std::vector<RecognizedLine> mergeLooks(std::vector<RecognizedLine> first,
                                        std::vector<RecognizedLine> second) {

@@ -10,8 +10,9 @@ namespace murkwell {
 namespace {
 
 constexpr int narrowestStrip = 16;
-constexpr int widestStrip = 3200; // a longer line is squeezed
-constexpr int stripStep = 8;      // the reader takes a step of this many columns
+constexpr int widestStrip = 6400; // a longer line is squeezed
+constexpr int stripStep = 8;      // PP-OCR's reader takes a step of this many columns
+constexpr int imageHeight = LineStrip::height + 2 * LineStrip::margin;
 
 using Corners = std::array<cv::Point2f, 4>;
 
@@ -40,12 +41,9 @@ bool standsUpright(const Corners& c) {
 }
 
 // In reading order: start and end of the line's top, end and start of its bottom.
-Corners readingOrder(const Corners& c, bool vertical, Reading reading) {
-    if (!vertical) {
-        return c;
-    }
-    return reading == Reading::along ? Corners{c[1], c[2], c[3], c[0]}
-                                     : Corners{c[3], c[0], c[1], c[2]};
+Corners readingOrder(Corners c, Direction direction) {
+    std::ranges::rotate(c, c.begin() + static_cast<int>(direction));
+    return c;
 }
 
 int stripWidth(const Corners& c) {
@@ -55,6 +53,14 @@ int stripWidth(const Corners& c) {
         std::clamp(cvCeil(std::min<double>(length * LineStrip::height / across, widestStrip)),
                    narrowestStrip, widestStrip);
     return (width + stripStep - 1) / stripStep * stripStep;
+}
+
+// With what the strip shows above and below the line.
+Corners withMargins(const Corners& c) {
+    constexpr float share = static_cast<float>(LineStrip::margin) / LineStrip::height;
+    const cv::Point2f before = (c[0] - c[3]) * share;
+    const cv::Point2f after = (c[1] - c[2]) * share;
+    return {c[0] + before, c[1] + after, c[2] - after, c[3] - before};
 }
 
 // The part of the page around the line, made smaller when its glyphs are much larger than the strip
@@ -75,7 +81,7 @@ std::optional<Surroundings> surroundingsOf(const cv::Mat& page, const Corners& c
     }
     const double across =
         std::max(distance(corners[0], corners[3]), distance(corners[1], corners[2]));
-    const int shrink = std::max(1, static_cast<int>(across / LineStrip::height));
+    const int shrink = std::max(1, static_cast<int>(across / imageHeight));
     const cv::Matx33d shift(1, 0, area.x, 0, 1, area.y, 0, 0, 1);
     if (shrink == 1) {
         return Surroundings{page(area), shift};
@@ -111,10 +117,8 @@ bool isVertical(const cv::RotatedRect& line) {
 }
 
 std::optional<LineStrip> cutStrip(const cv::Mat& pixels, const cv::RotatedRect& line,
-                                  Reading reading) {
-    const bool vertical = isVertical(line);
-    const Corners corners = readingOrder(cornersOf(line), vertical, reading);
-    const auto source = surroundingsOf(pixels, corners);
+                                  Direction direction) {
+    const Corners corners = readingOrder(cornersOf(line), direction);
     const int width = stripWidth(corners);
     const auto w = static_cast<float>(width);
     const auto h = static_cast<float>(LineStrip::height);
@@ -122,13 +126,15 @@ std::optional<LineStrip> cutStrip(const cv::Mat& pixels, const cv::RotatedRect& 
     const cv::Matx33d toPage = cv::getPerspectiveTransform(inStrip.data(), corners.data());
     bool invertible = false;
     const cv::Matx33d toStrip = toPage.inv(cv::DECOMP_LU, &invertible);
+    const auto source = surroundingsOf(pixels, withMargins(corners));
     if (!source || !invertible) {
         return std::nullopt;
     }
+    const cv::Matx33d toImage(1, 0, 0, 0, 1, LineStrip::margin, 0, 0, 1);
     cv::Mat strip;
-    cv::warpPerspective(source->pixels, strip, toStrip * source->toPage, {width, LineStrip::height},
-                        cv::INTER_CUBIC, cv::BORDER_REPLICATE);
-    return LineStrip{onWhite(strip), toPage, corners, vertical};
+    cv::warpPerspective(source->pixels, strip, toImage * toStrip * source->toPage,
+                        {width, imageHeight}, cv::INTER_CUBIC, cv::BORDER_REPLICATE);
+    return LineStrip{onWhite(strip), toPage, corners};
 }
 
 } // namespace murkwell

@@ -2,17 +2,25 @@
 
 #include "platform/vision/PixelMatrix.h"
 
-#include <utility>
+#include <algorithm>
 
 namespace murkwell {
 
-RecognizedLine recognizedLine(PageLine line, const Bitmap& image) {
-    RecognizedLine result{std::move(line.text), recognizerRect(line.box, image), {}};
-    result.characterBoxes.reserve(line.characterBoxes.size());
-    for (const cv::Rect2d& box : line.characterBoxes) {
-        result.characterBoxes.push_back(recognizerRect(box, image));
+std::vector<RecognizedLine> recognizedLines(const PageLine& line, const Bitmap& image) {
+    std::vector<RecognizedLine> lines;
+    for (const LineText& reading : line.texts) {
+        const bool said =
+            std::ranges::find(lines, reading.text, &RecognizedLine::text) != lines.end();
+        if (said || reading.text.empty()) {
+            continue;
+        }
+        RecognizedLine next{reading.text, recognizerRect(line.box, image), {}};
+        for (const cv::Rect2d& box : reading.characterBoxes) {
+            next.characterBoxes.push_back(recognizerRect(box, image));
+        }
+        lines.push_back(std::move(next));
     }
-    return result;
+    return lines;
 }
 
 } // namespace murkwell

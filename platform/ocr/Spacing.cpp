@@ -21,7 +21,7 @@ bool isLower(char c) {
 }
 
 bool isLetter(char c) {
-    return isLower(c) || (c >= 'A' && c <= 'Z');
+    return isLower(c) || (c >= 'A' && c <= 'Z') || c == 0;
 }
 
 // Stands inside addresses, with letters close to it on both sides.

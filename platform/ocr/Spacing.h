@@ -8,7 +8,7 @@ namespace murkwell {
 
 // What lies between two neighbouring visible characters of a strip.
 struct CharacterGap {
-    char before;
+    char before; // 0 for what is not ASCII, which counts as a letter
     char after;
     double blank;   // widest run of blank columns between their centres, in strip space
     double pitch;   // from centre to centre, in strip space

@@ -1,13 +1,10 @@
 #include "platform/ocr/TextRecognizerTesseract.h"
 
-#include "platform/ocr/PageLine.h"
 #include "platform/vision/PixelMatrix.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <dlfcn.h>
 #include <exception>
-#include <mutex>
 #include <opencv2/imgproc.hpp>
 #include <string>
 #include <tesseract/baseapi.h>
@@ -18,7 +15,6 @@
 namespace murkwell {
 namespace {
 
-constexpr const char* language = "eng";
 constexpr double enlargement = 2;    // Tesseract is at its best with 300 dots an inch
 constexpr double longestSide = 4800; // pixels of the enlarged page
 constexpr int pageResolution = 144;  // dots an inch of a page, about
@@ -26,30 +22,6 @@ constexpr double margin = 2;         // pixels of the page around a character
 constexpr int patience = 60'000;     // milliseconds; noise is read forever
 
 using Api = tesseract::TessBaseAPI;
-
-// Null without language data.
-std::unique_ptr<Api> makeApi() {
-    const std::vector<std::string> names{"load_system_dawg", "load_freq_dawg", "debug_file"};
-    const std::vector<std::string> values{"0", "0", "/dev/null"};
-    auto api = std::make_unique<Api>();
-    if (api->Init(nullptr, language, tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values,
-                  false) != 0) {
-        return nullptr;
-    }
-    api->SetPageSegMode(tesseract::PSM_AUTO);
-    return api;
-}
-
-// Tesseract asks OpenMP for four threads a line, which cost more than they bring. The runtime that
-// it was linked with is told to give this thread none.
-void keepToOneThread() {
-    using SetLevels = void (*)(int);
-    static const auto setLevels =
-        reinterpret_cast<SetLevels>(::dlsym(RTLD_DEFAULT, "omp_set_max_active_levels"));
-    if (setLevels != nullptr) {
-        setLevels(0);
-    }
-}
 
 double scaleFor(const cv::Mat& pixels) {
     return std::min(enlargement, longestSide / std::max(pixels.cols, pixels.rows));
@@ -79,9 +51,9 @@ std::size_t codePoints(const std::string& utf8) {
 // Collects the symbols of a page into lines.
 class Collector {
 public:
-    explicit Collector(double pageScale) : scale(pageScale) {}
+    Collector(double pageScale, const Bitmap& of) : scale(pageScale), page(of) {}
 
-    std::vector<PageLine> collect(const tesseract::ResultIterator& first) {
+    std::vector<RecognizedLine> collect(const tesseract::ResultIterator& first) {
         tesseract::ResultIterator& at = const_cast<tesseract::ResultIterator&>(first);
         do {
             if (!at.Empty(tesseract::RIL_SYMBOL)) {
@@ -104,9 +76,9 @@ private:
     void add(const tesseract::ResultIterator& at) {
         if (at.IsAtBeginningOf(tesseract::RIL_TEXTLINE) || lines.empty()) {
             const cv::Rect2d box = boxOf(at, tesseract::RIL_TEXTLINE);
-            lines.push_back({{}, box, {}, {}, {}, box.height, false});
+            lines.push_back({{}, recognizerRect(box, page), {}});
         }
-        PageLine& line = lines.back();
+        RecognizedLine& line = lines.back();
         if (at.IsAtBeginningOf(tesseract::RIL_WORD)) {
             if (!line.text.empty()) {
                 line.text += ' ';
@@ -118,7 +90,8 @@ private:
         if (symbol) {
             const std::string text = symbol.get();
             line.text += text;
-            line.characterBoxes.insert(line.characterBoxes.end(), codePoints(text), symbolBox(at));
+            line.characterBoxes.insert(line.characterBoxes.end(), codePoints(text),
+                                       recognizerRect(symbolBox(at), page));
         }
     }
 
@@ -138,25 +111,24 @@ private:
     }
 
     double scale;
+    const Bitmap& page;
     cv::Rect2d word;
-    std::vector<PageLine> lines;
+    std::vector<RecognizedLine> lines;
 };
 
-struct ReadPage {
-    std::vector<PageLine> lines;
-    bool isWhole; // false when time or memory ran out before the end
-};
-
-ReadPage readPage(Api& api, const cv::Mat& pixels) {
+RecognizedText readPage(Api& api, const Bitmap& image) {
+    const cv::Mat pixels = pixelsOf(image);
     const double scale = scaleFor(pixels);
     const cv::Mat grey = enlargedGrey(pixels, scale);
+    api.SetPageSegMode(tesseract::PSM_AUTO);
     api.SetImage(grey.data, grey.cols, grey.rows, 1, static_cast<int>(grey.step));
     api.SetSourceResolution(cvRound(pageResolution * scale));
     tesseract::ETEXT_DESC monitor;
     monitor.set_deadline_msecs(patience);
-    ReadPage read{{}, api.Recognize(&monitor) == 0};
+    // Failed when time or memory ran out before the end.
+    RecognizedText read{{}, api.Recognize(&monitor) == 0 ? Outcome::whole : Outcome::failed};
     if (const std::unique_ptr<tesseract::ResultIterator> first(api.GetIterator()); first) {
-        read.lines = Collector(scale).collect(*first);
+        read.lines = Collector(scale, image).collect(*first);
     }
     api.Clear();
     return read;
@@ -164,62 +136,27 @@ ReadPage readPage(Api& api, const cv::Mat& pixels) {
 
 } // namespace
 
-// Engines are costly to make and serve one page at a time: those that are free wait here.
-class TextRecognizerTesseract::Pool {
-public:
-    // Null when none can be made.
-    std::unique_ptr<Api> take() {
-        {
-            const std::lock_guard lock(mutex);
-            if (!free.empty()) {
-                auto api = std::move(free.back());
-                free.pop_back();
-                return api;
-            }
-        }
-        return makeApi();
-    }
-
-    void giveBack(std::unique_ptr<Api> api) {
-        const std::lock_guard lock(mutex);
-        free.push_back(std::move(api));
-    }
-
-private:
-    std::mutex mutex;
-    std::vector<std::unique_ptr<Api>> free;
-};
-
-TextRecognizerTesseract::TextRecognizerTesseract() : pool(std::make_unique<Pool>()) {}
-TextRecognizerTesseract::~TextRecognizerTesseract() = default;
-
 Readiness TextRecognizerTesseract::readiness() {
     try {
-        keepToOneThread();
-        if (auto api = pool->take()) {
-            pool->giveBack(std::move(api));
+        if (auto api = engines.take()) {
+            engines.giveBack(std::move(api));
             return {};
         }
     } catch (const std::exception&) {
         // No memory for it.
     }
-    return {Outcome::failed, {std::string(language) + ".traineddata"}};
+    return {Outcome::failed, {TesseractEngines::systemData}};
 }
 
 RecognizedText TextRecognizerTesseract::recognize(const Bitmap& image) {
     try {
-        keepToOneThread();
-        auto api = pool->take();
+        auto api = engines.take();
         if (!api) {
             return {{}, Outcome::failed};
         }
-        auto read = readPage(*api, pixelsOf(image));
-        pool->giveBack(std::move(api));
-        RecognizedText text{{}, read.isWhole ? Outcome::whole : Outcome::failed};
-        for (PageLine& line : read.lines) {
-            text.lines.push_back(recognizedLine(std::move(line), image));
-        }
-        return text;
+        RecognizedText read = readPage(*api, image);
+        engines.giveBack(std::move(api));
+        return read;
     } catch (const std::exception&) {
         return {{}, Outcome::failed};
     }

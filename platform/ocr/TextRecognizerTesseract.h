@@ -1,25 +1,22 @@
-// Reads text with Tesseract: English data, no dictionaries.
+// Reads whole pages with Tesseract, which finds the lines itself. Without dictionaries.
 #pragma once
 
 #include "detect/Recognition.h"
-
-#include <memory>
+#include "platform/ocr/TesseractEngines.h"
 
 namespace murkwell {
 
+// Refers to the engines, does not own them.
 class TextRecognizerTesseract final : public TextRecognizer {
 public:
-    TextRecognizerTesseract();
-    ~TextRecognizerTesseract() override;
+    explicit TextRecognizerTesseract(TesseractEngines& shared) : engines(shared) {}
 
     // Failed without its language data, and when a page takes too long.
     [[nodiscard]] RecognizedText recognize(const Bitmap& image) override;
     [[nodiscard]] Readiness readiness() override;
 
 private:
-    class Pool;
-
-    std::unique_ptr<Pool> pool;
+    TesseractEngines& engines;
 };
 
 } // namespace murkwell

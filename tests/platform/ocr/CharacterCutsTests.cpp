@@ -17,7 +17,7 @@ struct DrawnStrip {
 
     void add(char character, int left, int right, const cv::Scalar& ink) {
         cv::rectangle(image, {left, 10}, {right - 1, 38}, ink, cv::FILLED);
-        read.push_back({character, (left + right) / 2.0, 1});
+        read.push_back({std::string(1, character), (left + right) / 2.0, 1});
     }
 
     cv::Mat image;
@@ -71,13 +71,15 @@ TEST(CharacterCuts, TouchingCharactersArePartedWhereTheInkIsThin) {
 TEST(CharacterCuts, SpacesAtTheEndsAreDroppedAndOnlySpacesAreNothing) {
     const cv::Mat blank(LineStrip::height, 64, CV_8UC3, cv::Scalar::all(255));
     EXPECT_TRUE(placeCharacters({}, blank).empty());
-    EXPECT_TRUE(placeCharacters({{' ', 10, 1}, {' ', 30, 1}}, blank).empty());
-    EXPECT_EQ(placeCharacters({{' ', 10, 1}, {'x', 30, 1}, {' ', 60, 1}}, blank).size(), 1U);
+    EXPECT_TRUE(placeCharacters({{" ", 10, 1}, {" ", 30, 1}}, blank).empty());
+    const auto placed = placeCharacters({{" ", 10, 1}, {"x", 30, 1}, {" ", 60, 1}}, blank);
+    ASSERT_EQ(placed.size(), 1U);
+    EXPECT_FALSE(placed[0].spaceRead || placed[0].spaceDecided);
 }
 
 TEST(CharacterCuts, ReadingsOutsideTheStripAreHarmless) {
     const cv::Mat noise(LineStrip::height, 16, CV_8UC3, cv::Scalar::all(128));
-    const auto placed = placeCharacters({{'a', -5, 1}, {'b', 3, 1}, {'c', 400, 1}}, noise);
+    const auto placed = placeCharacters({{"a", -5, 1}, {"b", 3, 1}, {"c", 400, 1}}, noise);
     EXPECT_EQ(placed.size(), 3U);
 }
 

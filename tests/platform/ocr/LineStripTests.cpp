@@ -34,19 +34,21 @@ std::pair<DrawnPage, cv::RotatedRect> turnedLine(float degrees) {
 TEST(LineStrip, BeginsWhereTheLineBegins) {
     struct Case {
         float degrees;
-        Reading reading;
+        Direction direction;
     };
-    for (const Case& c : std::vector<Case>{{0, Reading::along},
-                                           {12, Reading::along},
-                                           {-12, Reading::along},
-                                           {90, Reading::along},
-                                           {-90, Reading::against}}) {
+    for (const Case& c : std::vector<Case>{{0, Direction::right},
+                                           {12, Direction::right},
+                                           {-12, Direction::right},
+                                           {60, Direction::right},
+                                           {90, Direction::down},
+                                           {-90, Direction::up},
+                                           {180, Direction::left}}) {
         const auto [page, line] = turnedLine(c.degrees);
-        const auto strip = cutStrip(pixelsOf(*page.bitmap), line, c.reading);
+        const auto strip = cutStrip(pixelsOf(*page.bitmap), line, c.direction);
         ASSERT_TRUE(strip);
-        EXPECT_EQ(strip->image.rows, 48);
-        EXPECT_EQ(strip->image.cols, 480);
-        const auto [left, right] = inkOfHalves(strip->image);
+        EXPECT_EQ(strip->line().rows, 48);
+        EXPECT_NEAR(strip->image.cols, 480, 8);
+        const auto [left, right] = inkOfHalves(strip->line());
         EXPECT_GT(left, 1000) << c.degrees;
         EXPECT_EQ(right, 0) << c.degrees;
     }
@@ -54,14 +56,25 @@ TEST(LineStrip, BeginsWhereTheLineBegins) {
 
 TEST(LineStrip, PageBoxLeadsBackToThePage) {
     const auto [page, line] = turnedLine(90);
-    const auto strip = cutStrip(pixelsOf(*page.bitmap), line, Reading::along);
+    const auto strip = cutStrip(pixelsOf(*page.bitmap), line, Direction::down);
     ASSERT_TRUE(strip);
-    EXPECT_TRUE(strip->vertical);
     const cv::Rect2d box = strip->pageBox(0, strip->image.cols / 4.0);
     EXPECT_NEAR(box.x, 140, 1);
     EXPECT_NEAR(box.y, 0, 1);
     EXPECT_NEAR(box.width, 20, 1);
     EXPECT_NEAR(box.height, 50, 1);
+}
+
+// A line is found without the accents of its capitals.
+TEST(LineStrip, ShowsWhatIsAboveTheLine) {
+    DrawnPage page(300, 200);
+    cv::Mat pixels = pixelsOf(*page.bitmap);
+    cv::rectangle(pixels, {60, 88}, {90, 89}, {0, 0, 0, 255}, cv::FILLED);
+    const auto strip =
+        cutStrip(pixels, cv::RotatedRect({150, 100}, {200, 20}, 0), Direction::right);
+    ASSERT_TRUE(strip);
+    EXPECT_GT(inkOfHalves(strip->image).first, 100);
+    EXPECT_EQ(inkOfHalves(strip->line().rowRange(4, 48)).first, 0);
 }
 
 TEST(LineStrip, ThinStrokesOfHugeLettersSurvive) {
@@ -71,7 +84,7 @@ TEST(LineStrip, ThinStrokesOfHugeLettersSurvive) {
         cv::line(pixels, {x, 100}, {x, 600}, {0, 0, 0, 255}, 3);
     }
     const auto strip =
-        cutStrip(pixels, cv::RotatedRect({1000, 350}, {1900, 600}, 0), Reading::along);
+        cutStrip(pixels, cv::RotatedRect({1000, 350}, {1900, 600}, 0), Direction::right);
     ASSERT_TRUE(strip);
     // 3 of 8 columns are ink: grey everywhere, white nowhere.
     const cv::Mat middle = strip->image(cv::Rect(20, 20, strip->image.cols - 40, 8));
@@ -83,9 +96,9 @@ TEST(LineStrip, ThinStrokesOfHugeLettersSurvive) {
 TEST(LineStrip, DegenerateAndOutlyingRectanglesGiveNoneOrAStrip) {
     DrawnPage page(50, 50);
     const cv::Mat pixels = pixelsOf(*page.bitmap);
-    EXPECT_FALSE(cutStrip(pixels, cv::RotatedRect({25, 25}, {0, 0}, 0), Reading::along));
-    EXPECT_FALSE(cutStrip(pixels, cv::RotatedRect({900, 900}, {40, 10}, 0), Reading::along));
-    const auto partly = cutStrip(pixels, cv::RotatedRect({50, 25}, {40, 10}, 0), Reading::along);
+    EXPECT_FALSE(cutStrip(pixels, cv::RotatedRect({25, 25}, {0, 0}, 0), Direction::right));
+    EXPECT_FALSE(cutStrip(pixels, cv::RotatedRect({900, 900}, {40, 10}, 0), Direction::right));
+    const auto partly = cutStrip(pixels, cv::RotatedRect({50, 25}, {40, 10}, 0), Direction::right);
     EXPECT_TRUE(partly);
 }
 
