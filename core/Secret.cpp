@@ -22,9 +22,9 @@ bool Secret::append(std::string_view more) {
     return true;
 }
 
-void Secret::Wipe::operator()(std::optional<std::string>* text) const {
-    ::explicit_bzero(text->value().data(), text->value().capacity());
-    delete text;
+void Secret::Wipe::operator()(std::optional<std::string>* secret) const {
+    ::explicit_bzero(secret->value().data(), secret->value().capacity());
+    delete secret;
 }
 
 } // namespace murkwell

@@ -111,7 +111,7 @@ void removeTemporaryFileOnSignals() {
         }
         struct sigaction ending {};
         ending.sa_handler = endBy;
-        ending.sa_flags = SA_RESETHAND;
+        ending.sa_flags = static_cast<int>(SA_RESETHAND);
         ::sigaction(signal, &ending, nullptr);
     }
 }
