@@ -9,15 +9,33 @@
 namespace murkwell {
 namespace {
 
-// All but those of inline images and of compatibility sections.
-constexpr auto operators = std::to_array<std::string_view>(
-    {"\"", "'",  "B",  "B*", "BDC", "BMC", "BT", "CS",  "DP",  "Do", "EMC", "ET", "F",  "G",
-     "J",  "K",  "M",  "MP", "Q",   "RG",  "S",  "SC",  "SCN", "T*", "TD",  "TJ", "TL", "Tc",
-     "Td", "Tf", "Tj", "Tm", "Tr",  "Ts",  "Tw", "Tz",  "W",   "W*", "b",   "b*", "c",  "cm",
-     "cs", "d",  "d0", "d1", "f",   "f*",  "g",  "gs",  "h",   "i",  "j",   "k",  "l",  "m",
-     "n",  "q",  "re", "rg", "ri",  "s",   "sc", "scn", "sh",  "v",  "w",   "y"});
+struct Operator {
+    std::string_view name;
+    std::string_view operands; // a kind each; those of colors are not counted
+};
 
-constexpr int mostOperands = 32; // that MuPDF takes
+// Kinds of operands. A name may stand for properties.
+enum Kind : char { number = 'n', name = 'N', string = 's', array = 'a', properties = 'p' };
+constexpr std::string_view colors = "*";
+
+// All but those of inline images and of compatibility sections.
+constexpr auto operators = std::to_array<Operator>(
+    {{"\"", "nns"},    {"'", "s"},       {"B", ""},       {"B*", ""},      {"BDC", "Np"},
+     {"BMC", "N"},     {"BT", ""},       {"CS", "N"},     {"DP", "Np"},    {"Do", "N"},
+     {"EMC", ""},      {"ET", ""},       {"F", ""},       {"G", "n"},      {"J", "n"},
+     {"K", "nnnn"},    {"M", "n"},       {"MP", "N"},     {"Q", ""},       {"RG", "nnn"},
+     {"S", ""},        {"SC", colors},   {"SCN", colors}, {"T*", ""},      {"TD", "nn"},
+     {"TJ", "a"},      {"TL", "n"},      {"Tc", "n"},     {"Td", "nn"},    {"Tf", "Nn"},
+     {"Tj", "s"},      {"Tm", "nnnnnn"}, {"Tr", "n"},     {"Ts", "n"},     {"Tw", "n"},
+     {"Tz", "n"},      {"W", ""},        {"W*", ""},      {"b", ""},       {"b*", ""},
+     {"c", "nnnnnn"},  {"cm", "nnnnnn"}, {"cs", "N"},     {"d", "an"},     {"d0", "nn"},
+     {"d1", "nnnnnn"}, {"f", ""},        {"f*", ""},      {"g", "n"},      {"gs", "N"},
+     {"h", ""},        {"i", "n"},       {"j", "n"},      {"k", "nnnn"},   {"l", "nn"},
+     {"m", "nn"},      {"n", ""},        {"q", ""},       {"re", "nnnn"},  {"rg", "nnn"},
+     {"ri", "N"},      {"s", ""},        {"sc", colors},  {"scn", colors}, {"sh", "N"},
+     {"v", "nnnn"},    {"w", "n"},       {"y", "nnnn"}});
+
+constexpr std::size_t mostOperands = 32; // that MuPDF takes
 
 bool isBlank(unsigned char c) {
     return c <= ' ';
@@ -54,7 +72,7 @@ private:
         }
         const std::size_t end = position();
         blankOut(start, end);
-        operands = 0;
+        operandCount = 0;
         return end == start ? PDF_TOK_EOF : PDF_TOK_ERROR;
     }
 
@@ -67,35 +85,71 @@ private:
     void readRest(pdf_token kind, std::size_t start) {
         switch (kind) {
         case PDF_TOK_EOF:
+            return;
         case PDF_TOK_NAME:
+            addOperand(name, start);
+            return;
         case PDF_TOK_STRING:
+            addOperand(string, start);
             return;
         case PDF_TOK_INT:
         case PDF_TOK_REAL:
-            require(++operands <= mostOperands);
+            addOperand(number, start);
             return;
         case PDF_TOK_OPEN_ARRAY:
             pdf_drop_obj(context, pdf_parse_array(context, document, stream, lexBuffer));
+            addOperand(array, start);
             return;
         case PDF_TOK_OPEN_DICT:
             pdf_drop_obj(context, pdf_parse_dict(context, document, stream, lexBuffer));
+            addOperand(properties, start);
             return;
         case PDF_TOK_KEYWORD:
             readOperator(lexBuffer->scratch, start);
-            operands = 0;
+            operandCount = 0;
             return;
         default:
             require(false);
         }
     }
 
-    void readOperator(std::string_view name, std::size_t start) {
-        if (name == "BI") {
+    void addOperand(Kind kind, std::size_t start) {
+        require(operandCount < mostOperands);
+        operandKinds.at(operandCount) = kind;
+        operandStarts.at(operandCount) = start;
+        ++operandCount;
+    }
+
+    void readOperator(std::string_view word, std::size_t start) {
+        if (word == "BI") {
             readInlineImage(start);
-        } else if (name == "BX" || name == "EX") {
-            compatibility += name == "BX" ? 1 : -1;
+        } else if (word == "BX" || word == "EX") {
+            compatibility += word == "BX" ? 1 : -1;
         } else {
-            require(compatibility != 0 || std::ranges::find(operators, name) != operators.end());
+            const auto* const known = std::ranges::find(operators, word, &Operator::name);
+            require(compatibility != 0 || known != operators.end());
+            if (known != operators.end() && known->operands != colors) {
+                checkOperands(known->operands, start);
+            }
+        }
+    }
+
+    // Of too many operands the last count, where MuPDF takes the first numbers and names. An
+    // operator that lacks some, or has others, does nothing, where MuPDF takes zeros.
+    void checkOperands(std::string_view expected, std::size_t operatorStart) {
+        if (expected.empty()) {
+            return;
+        }
+        const std::size_t surplus =
+            operandCount - std::min<std::size_t>(operandCount, expected.size());
+        const auto given = std::span(operandKinds).first(operandCount).subspan(surplus);
+        const bool isUsable = std::ranges::equal(expected, given, [](char asked, char kind) {
+            return asked == kind || (asked == properties && kind == name);
+        });
+        if (!isUsable) {
+            fill(operandCount == 0 ? operatorStart : operandStarts.front(), position());
+        } else if (surplus > 0) {
+            fill(operandStarts.front(), operandStarts.at(surplus));
         }
     }
 
@@ -145,11 +199,14 @@ private:
 
     // An operator without effect stands in, where there is room, to use up the operands before.
     void blankOut(std::size_t start, std::size_t end) {
-        std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(start),
-                  bytes.begin() + static_cast<std::ptrdiff_t>(end), ' ');
+        fill(start, end);
         if (end - start > 2) {
             bytes[start + 1] = 'i';
         }
+    }
+
+    void fill(std::size_t start, std::size_t end) {
+        std::ranges::fill(bytes.subspan(start, end - start), ' ');
         done.isChanged = true;
     }
 
@@ -159,7 +216,9 @@ private:
     fz_stream* stream;
     std::span<unsigned char> bytes;
     pdf_lexbuf* lexBuffer = nullptr;
-    int operands = 0;
+    std::array<Kind, mostOperands> operandKinds{};
+    std::array<std::size_t, mostOperands> operandStarts{};
+    std::size_t operandCount = 0;
     int compatibility = 0;
     ContentMending done;
 };

@@ -10,10 +10,10 @@ struct ContentMending {
     bool hasLostImage = false; // an inline image that could not be loaded
 };
 
-// Blanks out, in place, what is no content: broken tokens and objects, unknown operators, inline
-// images that cannot be loaded. MuPDF drops the rest of a stream at the hundredth error, or at such
-// an image; other viewers go on. `resources` are what the stream uses. May
-// longjmp out.
+// Blanks out, in place, what is no content: broken tokens and objects, unknown operators, surplus
+// operands, operators that lack some, inline images that cannot be loaded. MuPDF drops the rest of
+// a stream at the hundredth error, at such an image and at some words, and makes other operators of
+// what has the wrong operands. `resources` are what the stream uses. May longjmp out.
 [[nodiscard]] ContentMending mendContent(fz_context* context, pdf_document* document,
                                          pdf_obj* resources, fz_buffer* content);
 

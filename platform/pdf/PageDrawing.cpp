@@ -49,6 +49,7 @@ private:
             fz_begin_group(context, device, area, blending, 1, 0, FZ_BLEND_NORMAL, 1);
         }
         pdf_obj* const resources = pdf_page_resources(context, page);
+        processor.lookForEnd(page->doc, pdf_page_contents(context, page));
         pdf_processor* const content =
             processor.make(device, fromPage, resources, colorspaces, &cookie);
         const bool isDrawn = attempt(context, [&] {

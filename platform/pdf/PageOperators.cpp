@@ -54,6 +54,7 @@ struct PageOperators {
         PageProcessor& self = PageProcessor::of(context);
         self.run(processor, [&] {
             self.leaveOutHidden(pdf_xobject_resources(context, form));
+            self.lookForEnd(pdf_get_bound_document(context, form), form);
             self.original.op_Do_form(context, processor, name, form, resources);
         });
     }
@@ -73,6 +74,7 @@ struct PageOperators {
         PageProcessor& self = PageProcessor::of(context);
         self.run(processor, [&] {
             self.leaveOutHidden(pdf_xobject_resources(context, form));
+            self.lookForEnd(pdf_get_bound_document(context, form), form);
             self.original.op_gs_SMask(context, processor, form, resources, backdrop, luminosity);
         });
     }
@@ -83,6 +85,7 @@ struct PageOperators {
         PageProcessor& self = PageProcessor::of(context);
         self.run(processor, [&] {
             self.leaveOutHidden(pattern->resources);
+            self.lookForEnd(pattern->document, pattern->contents);
             const auto usable = [](float step, float size) { return step == 0 ? size : step; };
             pattern->xstep = usable(pattern->xstep, pattern->bbox.x1 - pattern->bbox.x0);
             pattern->ystep = usable(pattern->ystep, pattern->bbox.y1 - pattern->bbox.y0);

@@ -2,9 +2,46 @@
 
 #include "platform/pdf/OptionalContent.h"
 
+#include <algorithm>
+#include <array>
+#include <cstring>
 #include <string_view>
 
 namespace murkwell {
+namespace {
+
+// Whether there is a word in it that MuPDF takes for the end of the content. May longjmp out.
+bool endsEarly(fz_context* context, fz_stream* content) {
+    constexpr std::string_view word = "endstream";
+    std::array<unsigned char, 4096> window;
+    std::size_t kept = 0; // from the window before, which may end within the word
+    while (const std::size_t size =
+               fz_read(context, content, window.data() + kept, window.size() - kept)) {
+        const std::size_t end = kept + size;
+        if (fz_memmem(window.data(), end, word.data(), word.size()) != nullptr) {
+            return true;
+        }
+        kept = std::min(end, word.size() - 1);
+        std::memmove(window.data(), window.data() + end - kept, kept);
+    }
+    return false;
+}
+
+// The caller owns a reference. May longjmp out.
+pdf_obj* emptyForm(fz_context* context, pdf_document* document) {
+    fz_buffer* const content = fz_new_buffer(context, 1);
+    pdf_obj* form = nullptr;
+    const bool isMade = attempt(context, [&] {
+        form = pdf_new_xobject(context, document, {0, 0, 0, 0}, fz_identity, nullptr, content);
+    });
+    fz_drop_buffer(context, content);
+    if (!isMade) {
+        fz_rethrow(context);
+    }
+    return form;
+}
+
+} // namespace
 
 PageProcessor::PageProcessor(fz_context* usedContext, const OptionalContent& content,
                              Errors onErrors)
@@ -22,19 +59,40 @@ PageProcessor::~PageProcessor() {
 }
 
 pdf_processor* PageProcessor::make(fz_device* device, fz_matrix transform, pdf_obj* resources,
-                                   fz_default_colorspaces* colorspaces, fz_cookie* cookie) {
+                                   fz_default_colorspaces* colorspaces, fz_cookie* pageCookie) {
     markedContent = {};
+    cookie = pageCookie;
     pageResources = resources;
     leaveOutHidden(resources);
     // Without a usage MuPDF takes all optional content for visible.
-    pdf_processor* const processor =
-        pdf_new_run_processor(context, device, transform, nullptr, nullptr, colorspaces, cookie);
+    pdf_processor* const processor = pdf_new_run_processor(context, device, transform, nullptr,
+                                                           nullptr, colorspaces, pageCookie);
     original = *processor;
     install(processor);
     if (errors == Errors::SkipOperator) {
         guardPainting(device);
+    } else {
+        countOperands(processor);
     }
     return processor;
+}
+
+// What cannot be read to the end is judged by who draws it.
+void PageProcessor::lookForEnd(pdf_document* document, pdf_obj* content) {
+    const int number = pdf_to_num(context, content);
+    if (errors == Errors::SkipOperator || givenUp ||
+        (number != 0 && !searched.insert(number).second)) {
+        return;
+    }
+    fz_stream* stream = nullptr;
+    const bool isRead = attempt(context, [&] {
+        stream = pdf_open_contents_stream(context, document, content);
+        givenUp = endsEarly(context, stream);
+    });
+    fz_drop_stream(context, stream);
+    if (!isRead && ranOut(context)) {
+        fz_rethrow(context);
+    }
 }
 
 // The text so far is drawn as it was begun.
@@ -69,9 +127,8 @@ void PageProcessor::leaveOutHidden(pdf_obj* resources) {
         pdf_obj* const content =
             pdf_dict_get(context, pdf_dict_get_val(context, objects, i), PDF_NAME(OC));
         if (optionalContent.hides(context, content)) {
-            pdf_obj* const nothing =
-                pdf_dict_put_dict(context, objects, pdf_dict_get_key(context, objects, i), 1);
-            pdf_dict_put_name(context, nothing, PDF_NAME(Subtype), "PS");
+            pdf_dict_put_drop(context, objects, pdf_dict_get_key(context, objects, i),
+                              emptyForm(context, pdf_get_bound_document(context, objects)));
         }
     }
 }

@@ -5,6 +5,8 @@
 
 #include "platform/pdf/MuPdf.h"
 
+#include <set>
+
 namespace murkwell {
 
 class OptionalContent;
@@ -24,6 +26,9 @@ public:
     PageProcessor(const PageProcessor&) = delete;
     PageProcessor& operator=(const PageProcessor&) = delete;
 
+    // Before `content`, a stream or an array of them, is drawn. May longjmp out.
+    void lookForEnd(pdf_document* document, pdf_obj* content);
+
     // A processor that draws; the caller owns a reference. `resources` are those that its content
     // will use. May longjmp out.
     pdf_processor* make(fz_device* device, fz_matrix transform, pdf_obj* resources,
@@ -32,11 +37,12 @@ public:
     // Something on the page was not drawn as it should be.
     [[nodiscard]] bool hasSkipped() const { return skipped; }
 
-    // MuPDF reported something that it makes less of than other viewers do: it left out the rest of
-    // a content stream, or filled up an image with zeros.
+    // MuPDF makes less of something than other viewers do: it left out the rest of a content
+    // stream, filled up an image with zeros, or took operands for others.
     [[nodiscard]] bool hasGivenUp() const { return givenUp; }
 
 private:
+    friend struct PageOperands;
     friend struct PageOperators;
     friend struct PagePainting;
 
@@ -58,6 +64,7 @@ private:
     static void noteWarning(void* self, const char* message);
 
     void install(pdf_processor* processor) const;
+    void countOperands(pdf_processor* processor);
     void guardPainting(fz_device* device);
 
     // Only errors of memory get out.
@@ -94,6 +101,10 @@ private:
     fz_device* guarded = nullptr; // the device that calls ours
     MarkedContent markedContent;
     pdf_obj* pageResources = nullptr;
+    std::set<int> searched; // for what ends streams: object numbers
+    const fz_cookie* cookie = nullptr;
+    pdf_processor uncounted{}; // the functions before operands were counted
+    int tokensBefore = 0;      // what MuPDF had read at the operator before
     bool skipped = false;
     bool givenUp = false;
     fz_warning_cb* warn; // the context's before

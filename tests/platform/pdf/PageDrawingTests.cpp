@@ -164,6 +164,21 @@ TEST(PageDrawing, GoesOnAfterWhatCannotBeDrawn) {
                      "/X Do",
                      "/XObject << /X 1 0 R >>",
                      {form("", secret + repeated("foo ", 150) + cover)}});
+    cases.push_back({"surplus operands", secret + "0 g 5 6 7 0 0 10 10 re f"});
+    cases.push_back({"a surplus name",
+                     secret + "/Y /X Do",
+                     "/XObject << /X 1 0 R /Y 2 0 R >>",
+                     {form("", cover), form("", "")}});
+    cases.push_back({"too few operands", secret + "1 0 0 1 0 cm " + cover});
+    cases.back().popplerAgrees = false; // it ends the page
+    cases.push_back({"a word that ends streams", secret + "endstream " + cover});
+    cases.push_back({"surplus operands in a form in a pattern",
+                     secret + "/Pattern cs /P scn 0 0 10 10 re f",
+                     "/Pattern << /P 1 0 R >>",
+                     {stream("/PatternType 1 /PaintType 1 /TilingType 1 /BBox [0 0 10 10] /XStep "
+                             "10 /YStep 10 /Resources << /XObject << /X 2 0 R >> >>",
+                             "/X Do"),
+                      form("", "0 g 1 0 0 10 10 re f")}});
     cases.push_back(
         {"a form in a form that names what only the others have",
          "/X Do",
