@@ -37,6 +37,10 @@ constexpr auto operators = std::to_array<Operator>(
 
 constexpr std::size_t mostOperands = 32; // that MuPDF takes
 
+bool isNumeric(char c) {
+    return (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '+';
+}
+
 bool isBlank(unsigned char c) {
     return c <= ' ';
 }
@@ -127,7 +131,10 @@ private:
             compatibility += word == "BX" ? 1 : -1;
         } else {
             const auto* const known = std::ranges::find(operators, word, &Operator::name);
-            require(compatibility != 0 || known != operators.end());
+            // Other viewers take a number that runs into a word for both.
+            const bool isGlued = known == operators.end() && isNumeric(word.front());
+            done.hasLost = done.hasLost || isGlued;
+            require(!isGlued && (compatibility != 0 || known != operators.end()));
             if (known != operators.end() && known->operands != colors) {
                 checkOperands(known->operands, start);
             }
@@ -168,7 +175,7 @@ private:
         const std::size_t end = data == bytes.size() && !isLoaded ? entries : afterWord("EI", data);
         fz_seek(context, stream, static_cast<std::int64_t>(end), SEEK_SET);
         if (!isLoaded) {
-            done.hasLostImage = true;
+            done.hasLost = true;
             blankOut(start, end);
         }
     }

@@ -7,7 +7,7 @@ namespace murkwell {
 
 struct ContentMending {
     bool isChanged = false;
-    bool hasLostImage = false; // an inline image that could not be loaded
+    bool hasLost = false; // an inline image or an operator that others may draw
 };
 
 // Blanks out, in place, what is no content: broken tokens and objects, unknown operators, surplus

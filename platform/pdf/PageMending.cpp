@@ -151,7 +151,7 @@ void PageMending::withMended(pdf_obj* content, pdf_obj* resources, Replace&& rep
     fz_buffer* const buffer = readContent(content);
     const bool isMended = attempt(context, [&] {
         const ContentMending mending = mendContent(context, document, resources, buffer);
-        takenOut = takenOut || mending.hasLostImage;
+        takenOut = takenOut || mending.hasLost;
         if (mending.isChanged || !isReadable) {
             replace(buffer);
         }

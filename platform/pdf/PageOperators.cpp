@@ -55,6 +55,9 @@ struct PageOperators {
         self.run(processor, [&] {
             self.leaveOutHidden(pdf_xobject_resources(context, form));
             self.lookForEnd(pdf_get_bound_document(context, form), form);
+            // Others leave out one without a box.
+            self.skipped = self.skipped ||
+                           pdf_is_array(context, pdf_dict_get(context, form, PDF_NAME(BBox))) == 0;
             self.original.op_Do_form(context, processor, name, form, resources);
         });
     }

@@ -150,7 +150,9 @@ bool mendSoftMask(fz_context* context, pdf_obj* graphicsState) {
     if (pdf_is_dict(context, mask) == 0) {
         return true;
     }
-    if (pdf_is_stream(context, pdf_dict_get(context, mask, PDF_NAME(G))) == 0) {
+    pdf_obj* const form = pdf_dict_get(context, mask, PDF_NAME(G));
+    if (pdf_is_stream(context, form) == 0 ||
+        pdf_is_dict(context, pdf_dict_get(context, form, PDF_NAME(Group))) == 0) {
         pdf_dict_del(context, graphicsState, PDF_NAME(SMask));
         return true;
     }

@@ -152,9 +152,18 @@ TEST(PageDrawing, GoesOnAfterWhatCannotBeDrawn) {
          secret + drawsImage,
          "/XObject << /I 1 0 R >>",
          {image(grey + "/Filter /DCTDecode", "junk")}},
+        {"a number that runs into its operator", secret + "0 g 0 0 10 10re f"},
+        {"a form without a box",
+         "/X Do",
+         "/XObject << /X 1 0 R >>",
+         {stream("/Type /XObject /Subtype /Form", secret)}},
     };
     for (Case& c : cases) {
         c.isWhole = false;
+    }
+    for (std::size_t i = cases.size() - 2; i < cases.size(); ++i) {
+        cases[i].shows = true;
+        cases[i].popplerAgrees = false;
     }
     cases.push_back(
         {"an inline image among broken tokens",
@@ -290,6 +299,8 @@ TEST(PageDrawing, SoftMasks) {
         masked("alpha, inverted", "/G gs " + secret, "/S /Alpha" + inverse, black, false),
         masked("a transfer to nothing", "/G gs " + secret,
                "/S /Luminosity /TR << /FunctionType 2 /Domain [0 1] /C0 [0] /C1 [0] /N 1 >>", white,
+               false),
+        masked("a form that is no group", secret + "/G gs " + cover, "/S /Luminosity", form("", ""),
                false),
         masked("no group", secret + "/G gs " + cover, "/S /Luminosity", "null", false),
         outside,
