@@ -105,6 +105,7 @@ private:
     const fz_cookie* cookie = nullptr;
     pdf_processor uncounted{}; // the functions before operands were counted
     int tokensBefore = 0;      // what MuPDF had read at the operator before
+    bool isInPath = false;
     bool skipped = false;
     bool givenUp = false;
     fz_warning_cb* warn; // the context's before
