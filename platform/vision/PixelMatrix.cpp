@@ -1,8 +1,21 @@
 #include "platform/vision/PixelMatrix.h"
 
+#include <mutex>
+
 namespace murkwell {
+namespace {
+
+// OpenCV waits for ever for helpers of its own that the system refused to start. What it does here
+// is little beside the networks, which have their own threads.
+void useNoThreads() {
+    static std::once_flag once;
+    std::call_once(once, [] { cv::setNumThreads(1); });
+}
+
+} // namespace
 
 cv::Mat pixelsOf(const Bitmap& bitmap) {
+    useNoThreads();
     // OpenCV has no matrix of constant elements.
     auto* const data = const_cast<Rgba*>(bitmap.pixels().data());
     return {bitmap.height(), bitmap.width(), CV_8UC4, data};

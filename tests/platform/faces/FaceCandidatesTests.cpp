@@ -1,10 +1,14 @@
 #include "platform/faces/FaceCandidates.h"
 
 #include "platform/vision/OnnxSession.h"
+#include "platform/vision/PixelMatrix.h"
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <opencv2/imgproc.hpp>
 #include <vector>
 
 namespace murkwell {
@@ -97,6 +101,18 @@ TEST(KeepBest, OneOfThoseThatOverlapMuchOrLieInside) {
     }
     EXPECT_EQ(scores, (std::vector<double>{.9, .7, .5}));
     EXPECT_TRUE(keepBest({}).empty());
+}
+
+// It waits for ever for those that the system refuses to start.
+TEST(PixelMatrix, OpenCvStartsNoThreads) {
+    const auto count = [] {
+        return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/task"));
+    };
+    const auto before = count();
+    const auto page = Bitmap::create(2000, 2000);
+    cv::Mat grey;
+    cv::cvtColor(pixelsOf(*page), grey, cv::COLOR_RGBA2GRAY);
+    EXPECT_EQ(count(), before);
 }
 
 } // namespace
