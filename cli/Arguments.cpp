@@ -78,7 +78,7 @@ bool isSavedDocument(const std::filesystem::path& source) {
 }
 
 // With the extension added where there is none, except for a device or a pipe. None when it has
-// another one.
+// another one, or names a folder.
 std::optional<std::filesystem::path> placeOfSavedDocument(std::filesystem::path given) {
     std::error_code ignored;
     const bool isWrittenTo =
@@ -86,7 +86,8 @@ std::optional<std::filesystem::path> placeOfSavedDocument(std::filesystem::path 
     if (isSavedDocument(given) || isWrittenTo) {
         return given;
     }
-    if (!pathExtension(given).empty()) {
+    const auto name = given.filename();
+    if (!pathExtension(given).empty() || name.empty() || name == "." || name == "..") {
         return std::nullopt;
     }
     return given += "." + std::string(*ContentType::session.preferredFilenameExtension());
@@ -145,9 +146,11 @@ struct PasswordOption {
     std::string file;
 
     void addTo(CLI::App& command) {
-        command.add_option("--password-file", file,
-                           "File with the password of sources that need one; without it, the "
-                           "terminal asks");
+        command
+            .add_option("--password-file", file,
+                        "File with the password of sources that need one; without it, the "
+                        "terminal asks")
+            ->check(notEmpty());
     }
 
     [[nodiscard]] std::optional<std::filesystem::path> checked() const {

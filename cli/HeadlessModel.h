@@ -77,7 +77,7 @@ public:
     [[nodiscard]] std::optional<std::string> open(const std::filesystem::path& source) {
         model.open({source});
         if (!model.document()) {
-            return model.errorMessage().value_or(passwords.refusal());
+            return namingFile(source, model.errorMessage().value_or(passwords.refusal()));
         }
         printRemarks(source, *model.document());
         return std::nullopt;

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <unistd.h>
+#include <utility>
 
 namespace murkwell::cli {
 namespace {
@@ -32,12 +33,16 @@ std::string withoutControlCharacters(std::string_view json) {
     return result;
 }
 
+// What stands on the terminal's last line for the time being.
+bool showsProgress = false;
+
 } // namespace
 
 std::optional<std::string> printJson(const nlohmann::ordered_json& line) {
     using Json = nlohmann::ordered_json;
     constexpr int onOneLine = -1;
     constexpr bool escapeNonAscii = false;
+    clearProgress();
     std::cout << withoutControlCharacters(
                      line.dump(onOneLine, ' ', escapeNonAscii, Json::error_handler_t::replace))
               << std::endl;
@@ -50,6 +55,7 @@ bool resultsAreRead() {
 }
 
 void printFailure(std::string_view message) {
+    clearProgress();
     std::cerr << printable(message) << std::endl;
 }
 
@@ -82,25 +88,39 @@ std::string ofFile(const std::filesystem::path& file, std::string_view message) 
     return localized("“%@”: %@", {lastPathComponent(file), message});
 }
 
+std::string namingFile(const std::filesystem::path& file, const std::string& message) {
+    return message.find(shownName(file)) == std::string::npos ? ofFile(file, message) : message;
+}
+
+std::string noKindToWrite(const std::filesystem::path& file) {
+    return localized("“%@” does not say what kind of file to write; name one with -o.",
+                     {shownName(file)});
+}
+
 std::string noSuchPage(const std::filesystem::path& file, int page, std::size_t pageCount) {
     return localized("“%@” has no page %d; its last page is %d.",
                      {shownName(file), page, pageCount});
+}
+
+void clearProgress() {
+    if (std::exchange(showsProgress, false)) {
+        std::cerr << clearLine << std::flush;
+    }
 }
 
 Progress::Progress(std::size_t fileCount)
     : count(fileCount), watched(fileCount > 1 && ::isatty(STDERR_FILENO) == 1) {}
 
 Progress::~Progress() {
-    if (watched) {
-        std::cerr << clearLine << std::flush;
-    }
+    clearProgress();
 }
 
 void Progress::begin(const std::filesystem::path& file) {
     ++begun;
+    clearProgress();
     if (watched) {
-        std::cerr << clearLine << '[' << begun << '/' << count << "] " << shownName(file)
-                  << std::flush;
+        showsProgress = true;
+        std::cerr << '[' << begun << '/' << count << "] " << shownName(file) << std::flush;
     }
 }
 

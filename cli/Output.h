@@ -32,8 +32,14 @@ void printRemarks(const std::filesystem::path& file, const DocumentIO::Document&
 [[nodiscard]] std::string wouldBeLost(const std::filesystem::path& target);
 [[nodiscard]] std::string boxTooSmall(const std::filesystem::path& file);
 [[nodiscard]] std::string ofFile(const std::filesystem::path& file, std::string_view message);
+// The same where the message does not name it already.
+[[nodiscard]] std::string namingFile(const std::filesystem::path& file, const std::string& message);
+[[nodiscard]] std::string noKindToWrite(const std::filesystem::path& file);
 [[nodiscard]] std::string noSuchPage(const std::filesystem::path& file, int page,
                                      std::size_t pageCount);
+
+// Takes the progress off the terminal, for something else to be written there.
+void clearProgress();
 
 // "[2/5] scan.pdf" on standard error while several files are worked on, where somebody watches.
 class Progress {

@@ -1,5 +1,6 @@
 #include "cli/Passwords.h"
 
+#include "cli/Output.h"
 #include "cli/PasswordPrompt.h"
 #include "core/Localization.h"
 
@@ -56,6 +57,7 @@ std::optional<Secret> Passwords::answer(const PasswordPanel& panel) {
     if (panel.wasWrong) {
         question = localized("That password is wrong. Try again.") + "\n" + question;
     }
+    clearProgress();
     auto typed = promptForPassword(question);
     if (!typed) {
         refusal_ =

@@ -46,6 +46,9 @@ public:
             return noSuchPage(source, highest, model.document()->pages.size());
         }
         // Before the search, which takes its time.
+        if (arguments.exports() && !targets.exported) {
+            return noKindToWrite(source);
+        }
         for (const auto& target : {targets.savedDocument, targets.exported}) {
             if (target && !mayWrite(*target)) {
                 return alreadyThere(*target);
@@ -62,7 +65,7 @@ public:
         if (!addBoxes(model, arguments)) {
             return boxTooSmall(source);
         }
-        if (auto failure = write(headless, targets)) {
+        if (auto failure = write(headless, source, targets)) {
             return failure;
         }
         return report(source, targets, model.totalRedactionCount());
@@ -73,7 +76,8 @@ private:
         return arguments.force || !replacesFile(target);
     }
 
-    [[nodiscard]] Failure write(HeadlessModel& headless, const Targets& targets) const {
+    [[nodiscard]] Failure write(HeadlessModel& headless, const path& source,
+                                const Targets& targets) const {
         RedactModel& model = headless.model;
         if (targets.savedDocument) {
             headless.panels.answer = Destination(*targets.savedDocument, arguments.force);
@@ -86,7 +90,8 @@ private:
             headless.panels.answer = Destination(*targets.exported, arguments.force);
             model.exportDocument();
             if (model.errorMessage()) {
-                return model.errorMessage();
+                return model.totalRedactionCount() > 0 ? model.errorMessage()
+                                                       : ofFile(source, *model.errorMessage());
             }
         }
         return std::nullopt;

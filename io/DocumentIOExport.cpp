@@ -110,7 +110,8 @@ std::filesystem::path defaultOutputURL(const Document& document) {
 
 std::optional<std::filesystem::path> defaultOutputURL(const std::filesystem::path& nominalURL) {
     const auto type = ContentType::fromExtension(pathExtension(nominalURL));
-    return type ? std::optional(outputURL(nominalURL, *type)) : std::nullopt;
+    return type && type != sessionType() ? std::optional(outputURL(nominalURL, *type))
+                                         : std::nullopt;
 }
 
 } // namespace murkwell::DocumentIO

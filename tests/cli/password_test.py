@@ -31,7 +31,7 @@ class Password(TestInFolder):
         """Exit code and all that the terminal showed, and whether it shows what is typed again."""
         child, terminal = pty.fork()
         if child == 0:
-            os.execv(CLI, [CLI, "redact", str(self.source), *BOX])
+            os.execv(CLI, [CLI, "redact", str(self.folder / "plain.pdf"), str(self.source), *BOX, "--force"])
         shown = b""
         for count, answer in enumerate(answers, 1):
             while shown.count("”: ".encode()) < count:
@@ -78,6 +78,7 @@ class Password(TestInFolder):
             self.assertTrue(echoes)
             self.assertNotIn("gr", shown)
             self.assertEqual(shown.count("Password of “locked.pdf”: "), len(answers))
+            self.assertNotIn("locked.pdfP", shown)  # the progress is taken away for the question
 
     def test_saved_work_keeps_the_bytes_and_asks_again(self):
         work = self.folder / "work.murkwell"

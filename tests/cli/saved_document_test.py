@@ -1,6 +1,7 @@
 """Work saved from the command line, and taken up again."""
 
 import json
+import os
 import plistlib
 import unittest
 
@@ -67,9 +68,23 @@ class SavedDocument(TestInFolder):
 
     def test_the_models_messages(self):
         self.assertEqual(murkwell("redact", self.source, "--find", "nowhere to be found").stderr,
-                         "Add at least one redaction first.\n")
+                         "“a.pdf”: Add at least one redaction first.\n")
         self.assertEqual(murkwell("scan", self.write("a.txt", b"")).stderr,
-                         "No supported file found. Drop an image or a PDF.\n")
+                         "“a.txt”: No supported file found. Drop an image or a PDF.\n")
+
+    def test_a_source_whose_name_has_no_kind_is_written_where_told(self):
+        picture = documents.png(8, 6, lambda x, y: (x, y, 0))
+        box = {"rect": [[0, 0], [1, 1]], "style": "solidBlack", "detected": False}
+        for name in ("photo", "photo.xyz", "", "..", "photo.murkwell"):
+            self.work.write_bytes(plistlib.dumps(
+                {"version": 1, "sourceFilename": name, "sourceData": picture, "pages": [[box]]},
+                fmt=plistlib.FMT_BINARY))
+            before = self.names()
+            result = murkwell("redact", self.work)
+            self.assertEqual((result.returncode, self.names()), (1, before), name)
+            self.assertIn("-o", result.stderr)
+            self.redact(self.work, "-o", self.folder / "out.png")
+            os.remove(self.folder / "out.png")
 
     def test_messages_are_in_the_users_language(self):
         result = murkwell("info", self.folder / "fehlt.pdf",

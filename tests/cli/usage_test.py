@@ -23,9 +23,10 @@ class WrongUsage(unittest.TestCase):
                 ["redact", "a.pdf", "b.pdf", *BOX, "-o", "c.pdf"],
                 ["redact", "a.pdf", *BOX, "-o", "c.pdf", "--out-dir", "d"],
                 ["redact", "a.pdf", *BOX, "--style", "Noise"],
-                ["redact", "a.pdf", *BOX, "--save", "work.pdf"],
+                *(["redact", "a.pdf", *BOX, "--save", name]
+                  for name in ("work.pdf", "folder/", ".", "..")),
                 *(["redact", "a.pdf", *BOX, option, ""]
-                  for option in ("--find", "-o", "--out-dir", "--save")),
+                  for option in ("--find", "-o", "--out-dir", "--save", "--password-file")),
                 *(["scan", "a.pdf", "--find", text] for text in ("", " \t", "\u2003", "\udce9")),
                 *(["redact", "a.pdf", "--box", box] for box in (
                     "", "1", "1:", "0:0,0,1,1", "-1:0,0,1,1", "x:0,0,1,1", "1:0,0,1", "1:0,0,1,1,1",
