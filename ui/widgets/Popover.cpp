@@ -22,6 +22,7 @@ constexpr int pointerHeight = 8;
 constexpr int pointerHalfWidth = 9;
 constexpr int anchorGap = 4; // between the tip and the button
 constexpr int panelWidth = 288;
+constexpr int overhang = shadow - 4; // of the shadow over the window's edge
 
 } // namespace
 
@@ -72,17 +73,26 @@ void Popover::dismiss() {
     emit closed();
 }
 
+// Wider only where a text, or in a low window the lowest control, would be cut otherwise.
+int Popover::widthIn(const QSize& window) const {
+    constexpr int step = 16;
+    int width = std::max(panelWidth + 2 * shadow, content->minimumSize().width());
+    while (heightForWidth(width) > window.height() + 2 * overhang &&
+           width + step <= window.width() + 2 * overhang) {
+        width += step;
+    }
+    return width;
+}
+
 void Popover::place() {
     if (!anchor) {
         return;
     }
-    // Wider only where a text would be cut otherwise.
-    setFixedWidth(std::max(panelWidth + 2 * shadow, content->minimumSize().width()));
+    const QWidget* const owner = parentWidget();
+    setFixedWidth(widthIn(owner->size()));
     const int wanted = heightForWidth(width());
     resize(width(), wanted > 0 ? wanted : sizeHint().height());
-    const QWidget* const owner = parentWidget();
     const QRect button(anchor->mapTo(owner, QPoint()), anchor->size());
-    const int overhang = shadow - 4; // of the shadow over the window's edge
     const int left = std::clamp(button.left() - shadow, -overhang,
                                 std::max(owner->width() - width() + overhang, -overhang));
     const int top = button.top() - height() + shadow - anchorGap;

@@ -43,6 +43,7 @@ protected:
 
 private:
     void place();
+    [[nodiscard]] int widthIn(const QSize& window) const;
     [[nodiscard]] QRectF panel() const; // without shadow and pointer
 
     QVBoxLayout* content;

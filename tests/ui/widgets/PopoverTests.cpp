@@ -122,6 +122,13 @@ TEST_F(Popovers, WhatCannotBeFoundHereIsSaidBeforehand) {
     window.bench.text.ready = {Outcome::partial, {"a", "b"}};
     EXPECT_EQ(opened("Auto-Detect"), lessText + "\n" + noFaces);
     EXPECT_EQ(opened("Find & Redact"), lessText);
+
+    // In the smallest window a long note pushes no button out.
+    window.view.resize(window.view.minimumSize());
+    window.bench.text.ready.missing.assign(12, "text-lines.onnx");
+    opened("Auto-Detect");
+    const auto* const button = window.find<QAbstractButton>("Detect & Redact");
+    EXPECT_LT(button->mapTo(&window.view, button->rect().bottomLeft()).y(), window.view.height());
 }
 
 TEST_F(Popovers, ScopeIsSharedByBoth) {
