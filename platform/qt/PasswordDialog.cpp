@@ -3,6 +3,7 @@
 #include "core/Localization.h"
 
 #include <QDialogButtonBox>
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -19,6 +20,15 @@ constexpr int longestInput = 255;
 
 QString text(const std::string& utf8) {
     return QString::fromStdString(utf8);
+}
+
+// Lines are broken between words alone; what is longer would be cut at its end.
+std::string withoutLongWords(const QString& words, const QFontMetrics& metrics) {
+    QStringList list = words.split(QLatin1Char(' '));
+    for (QString& word : list) {
+        word = metrics.elidedText(word, Qt::ElideMiddle, messageWidth * 9 / 10);
+    }
+    return list.join(QLatin1Char(' ')).toStdString();
 }
 
 QLabel* plainLabel(const QString& words) {
@@ -44,8 +54,8 @@ QLayout* warning(const QString& words) {
 PasswordDialog::PasswordDialog(const PasswordPanel& panel, QWidget* parent)
     : QDialog(parent), field(new QLineEdit) {
     setWindowTitle(text(localized("Password Required")));
-    const QString question =
-        QString::fromStdString(localized("“%@” is protected by a password.", {panel.fileName}));
+    const std::string name = withoutLongWords(text(panel.fileName), fontMetrics());
+    const QString question = text(localized("“%@” is protected by a password.", {name}));
     const QString wrong = text(localized("That password is wrong. Try again."));
     field->setEchoMode(QLineEdit::Password);
     field->setMaxLength(longestInput);

@@ -7,6 +7,7 @@
 
 #include <QAccessible>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -229,10 +230,14 @@ TEST_F(PanelsTest, PasswordIsTypedUnseenAndTakenByReturn) {
         EXPECT_EQ(given->asPassword(), "grün");
     }
     user.answer<QDialog>([](QDialog& dialog) {
+        const auto* const message = dialog.findChild<QLabel*>();
+        for (const QString& word : message->text().split(' ')) {
+            EXPECT_LE(message->fontMetrics().horizontalAdvance(word), message->width());
+        }
         QTest::keyClicks(dialog.findChild<QLineEdit*>(), QStringLiteral("typed"));
         QTest::keyClick(&dialog, Qt::Key_Escape);
     });
-    EXPECT_FALSE(panels.run(PasswordPanel{"a.pdf"}));
+    EXPECT_FALSE(panels.run(PasswordPanel{std::string(200, 'm') + ".pdf"}));
 }
 
 TEST_F(PanelsTest, PanelsBelongToTheWindow) {
