@@ -67,11 +67,11 @@ Readiness TextRecognizerCombined::readiness() {
         }
     }
     const Readiness tesseract = wholePages.readiness();
-    const bool reads = tesseract.outcome == Outcome::whole;
-    if (found.complete() && reads) {
+    if (found.complete() && tesseract.outcome == Outcome::whole) {
         return {};
     }
-    lacking.outcome = found.complete() || reads ? Outcome::partial : Outcome::failed;
+    lacking.outcome = found.complete() || tesseract.outcome != Outcome::failed ? Outcome::partial
+                                                                               : Outcome::failed;
     lacking.missing.insert(lacking.missing.end(), tesseract.missing.begin(),
                            tesseract.missing.end());
     return lacking;
@@ -100,8 +100,8 @@ RecognizedText TextRecognizerCombined::look(const Bitmap& image) {
     if (networks().complete()) {
         RecognizedText text = readByLines(image);
         if (text.outcome == Outcome::whole) {
-            text.outcome = wholePages.readiness().outcome == Outcome::whole ? Outcome::whole
-                                                                            : Outcome::partial;
+            text.outcome = wholePages.readiness().outcome == Outcome::failed ? Outcome::partial
+                                                                             : Outcome::whole;
             return text;
         }
     }

@@ -138,14 +138,10 @@ RecognizedText readPage(Api& api, const Bitmap& image) {
 
 Readiness TextRecognizerTesseract::readiness() {
     try {
-        if (auto api = engines.take()) {
-            engines.giveBack(std::move(api));
-            return {};
-        }
+        return engines.readiness();
     } catch (const std::exception&) {
-        // No memory for it.
+        return {Outcome::failed, {TesseractEngines::systemData}};
     }
-    return {Outcome::failed, {TesseractEngines::systemData}};
 }
 
 RecognizedText TextRecognizerTesseract::recognize(const Bitmap& image) {

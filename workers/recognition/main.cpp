@@ -5,6 +5,9 @@
 #include "platform/ocr/TextRecognizerCombined.h"
 #include "platform/vision/InstalledFiles.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 using namespace murkwell;
@@ -64,12 +67,18 @@ private:
     Readiness faceReadiness;
 };
 
+std::vector<std::filesystem::path> foldersToRead() {
+    auto folders = installedFolders();
+    std::ranges::move(TesseractEngines::systemFolders(), std::back_inserter(folders));
+    return folders;
+}
+
 } // namespace
 
 int main() {
     Recognizers recognizers;
     WorkerLoop::run(
-        Profiles::recognition(installedFolders()), [&] { recognizers.load(); },
+        Profiles::recognition(foldersToRead()), [&] { recognizers.load(); },
         [&](WorkerLoop& loop, const Message& request) {
             return recognizers.answer(loop, request);
         });

@@ -6,8 +6,11 @@
 #include "platform/image/ImageCodecVips.h"
 #include "platform/ocr/TextRecognizerCombined.h"
 #include "platform/pdf/PdfRendererMuPdf.h"
+#include "platform/vision/InstalledFiles.h"
 #include "tests/support/DrawnPage.h"
+#include "tests/support/ModelFolder.h"
 #include "tests/support/PdfBuilder.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>
 #include <atomic>
@@ -16,6 +19,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <optional>
 #include <thread>
 
 namespace murkwell {
@@ -120,17 +124,36 @@ TEST(ConfinedEngines, ReadAndWriteTheSamePictures) {
     EXPECT_EQ(engines.workers.missingWalls(), 0);
 }
 
-TEST(ConfinedEngines, FindTheSame) {
-    ConfinedEngines engines;
-    TextRecognizerCombined text;
-    FaceDetectorUltraFace faces;
-    EXPECT_EQ(engines.textRecognizer.readiness().missing, text.readiness().missing);
-    EXPECT_EQ(engines.faceDetector.readiness().missing, faces.readiness().missing);
-    DrawnPage page(640, 400);
-    page.write("Call 555-123-4567", 20, 80);
-    page.write("jo@example.org", 20, 200);
-    const auto expected = text.recognize(*page.bitmap);
-    const auto read = engines.textRecognizer.recognize(*page.bitmap);
+struct Installation {
+    const char* what;
+    std::vector<std::string> missingModels;
+    enum class English { ofTheSystem, elsewhere, none } english;
+};
+
+void installModels(const fs::path& folder, const std::vector<std::string>& without) {
+    for (const std::string name : {"characters.txt", "faces.onnx", "latin.traineddata",
+                                   "text-lines.onnx", "text-reader.onnx"}) {
+        const auto model = installedModel(name);
+        if (model && std::ranges::find(without, name) == without.end()) {
+            fs::copy_file(*model, folder / name);
+        }
+    }
+}
+
+void copyEnglishTo(const fs::path& folder) {
+    for (const auto& entry : fs::recursive_directory_iterator("/usr/share/tesseract-ocr")) {
+        if (entry.path().filename() == TesseractEngines::systemData) {
+            fs::copy_file(entry, folder / TesseractEngines::systemData);
+            return;
+        }
+    }
+}
+
+void expectTheSameText(TextRecognizer& confined, TextRecognizer& text, const Bitmap& page) {
+    EXPECT_EQ(confined.readiness().outcome, text.readiness().outcome);
+    EXPECT_EQ(confined.readiness().missing, text.readiness().missing);
+    const auto expected = text.recognize(page);
+    const auto read = confined.recognize(page);
     EXPECT_EQ(read.outcome, expected.outcome);
     ASSERT_EQ(read.lines.size(), expected.lines.size());
     for (std::size_t i = 0; i < read.lines.size(); ++i) {
@@ -138,8 +161,43 @@ TEST(ConfinedEngines, FindTheSame) {
         EXPECT_EQ(read.lines[i].box, expected.lines[i].box);
         EXPECT_EQ(read.lines[i].characterBoxes, expected.lines[i].characterBoxes);
     }
-    EXPECT_EQ(engines.faceDetector.detectFaces(*page.bitmap), faces.detectFaces(*page.bitmap));
-    EXPECT_EQ(engines.workers.missingWalls(), 0);
+}
+
+TEST(ConfinedEngines, FindTheSameWhateverIsInstalled) {
+    using English = Installation::English;
+    DrawnPage page(640, 400);
+    for (int i = 0; i < 3; ++i) { // for more than one engine at a time
+        page.write("Call 555-123-456" + std::to_string(i), 20, 80 + 100 * i);
+        page.write("jo@example.org", 340, 130 + 100 * i);
+    }
+    for (const auto& [what, without, english] : std::vector<Installation>{
+             {"all", {}, English::ofTheSystem},
+             {"no Latin script", {"latin.traineddata"}, English::ofTheSystem},
+             {"English elsewhere", {"latin.traineddata"}, English::elsewhere},
+             {"nothing for Tesseract", {"latin.traineddata"}, English::none},
+             {"Tesseract alone", {"faces.onnx", "text-lines.onnx"}, English::none},
+             {"nothing", {"latin.traineddata", "faces.onnx", "text-reader.onnx"}, English::none},
+         }) {
+        SCOPED_TRACE(what);
+        const TemporaryFolder folder;
+        installModels(folder.path, without);
+        const ModelFolder models(folder.path);
+        const TemporaryFolder otherData;
+        std::optional<FolderVariable> other;
+        if (english != English::ofTheSystem) {
+            other.emplace("TESSDATA_PREFIX", otherData.path);
+        }
+        if (english == English::elsewhere) {
+            copyEnglishTo(otherData.path);
+        }
+        ConfinedEngines engines;
+        TextRecognizerCombined text;
+        expectTheSameText(engines.textRecognizer, text, *page.bitmap);
+        FaceDetectorUltraFace faces;
+        EXPECT_EQ(engines.faceDetector.readiness().missing, faces.readiness().missing);
+        EXPECT_EQ(engines.faceDetector.detectFaces(*page.bitmap), faces.detectFaces(*page.bitmap));
+        EXPECT_EQ(engines.workers.missingWalls(), 0);
+    }
 }
 
 TEST(ConfinedEngines, APageWhoseWorkerIsKilledIsDrawnByAnother) {

@@ -133,7 +133,8 @@ TEST(Combined, WithoutAnEngineTheOtherReadsAloneAndWithoutBothNothingIsRead) {
     const ModelFolder noModels(empty.path);
     const std::string models = OnnxSession::hasLibrary()
                                    ? "text-lines.onnx,text-reader.onnx,characters.txt,"
-                                   : "ONNX Runtime,";
+                                     "latin.traineddata,"
+                                   : "ONNX Runtime,latin.traineddata,";
     const auto missingFor = [](TextRecognizer& recognizer) {
         std::string names;
         for (const std::string& name : recognizer.readiness().missing) {
@@ -161,26 +162,39 @@ TEST(PpOcrModels, DamagedOnesAreLikeMissingOnes) {
     const auto reader = installedModel("text-reader.onnx");
     const auto finder = installedModel("text-lines.onnx");
     const auto characters = installedModel("characters.txt");
-    if (!reader || !finder || !characters) {
+    const auto latin = installedModel("latin.traineddata");
+    if (!reader || !finder || !characters || !latin) {
         GTEST_SKIP() << "no models";
     }
+    using Names = std::vector<std::string>;
+    const Names ppOcr{"text-reader.onnx", "characters.txt"};
     struct Case {
         const char* what;
         const char* file;
         fs::path source; // of what is put there; empty: ten bytes of nonsense
         std::uintmax_t size;
+        Names missing;
+        Outcome outcome; // of a page, which English reads as well as Latin
     };
     for (const Case& c : std::vector<Case>{
-             {"cut off", "text-reader.onnx", *reader, fs::file_size(*reader) / 2},
-             {"empty", "text-lines.onnx", *finder, 0},
-             {"nonsense", "text-lines.onnx", {}, 10},
-             {"alphabet cut off", "characters.txt", *characters, 20},
-             {"not characters", "characters.txt", *finder, 1000},
+             {"cut off", "text-reader.onnx", *reader, fs::file_size(*reader) / 2, ppOcr,
+              Outcome::partial},
+             {"empty", "text-lines.onnx", *finder, 0, {"text-lines.onnx"}, Outcome::partial},
+             {"nonsense", "text-lines.onnx", {}, 10, {"text-lines.onnx"}, Outcome::partial},
+             {"alphabet cut off", "characters.txt", *characters, 20, ppOcr, Outcome::partial},
+             {"not characters", "characters.txt", *finder, 1000, ppOcr, Outcome::partial},
+             {"script cut off",
+              "latin.traineddata",
+              *latin,
+              100'000,
+              {"latin.traineddata"},
+              Outcome::whole},
+             {"no script", "latin.traineddata", {}, 0, {"latin.traineddata"}, Outcome::whole},
          }) {
         const TemporaryFolder folder;
-        fs::copy_file(*reader, folder.path / "text-reader.onnx");
-        fs::copy_file(*finder, folder.path / "text-lines.onnx");
-        fs::copy_file(*characters, folder.path / "characters.txt");
+        for (const auto& file : {reader, finder, characters, latin}) {
+            fs::copy_file(*file, folder.path / file->filename());
+        }
         const fs::path damaged = folder.path / c.file;
         if (c.source.empty()) {
             std::ofstream(damaged) << "not a model";
@@ -191,6 +205,8 @@ TEST(PpOcrModels, DamagedOnesAreLikeMissingOnes) {
         const ModelFolder models(folder.path);
         TextRecognizerCombined recognizer;
         EXPECT_EQ(recognizer.readiness().outcome, Outcome::partial) << c.what;
+        EXPECT_EQ(recognizer.readiness().missing, c.missing) << c.what;
+        EXPECT_EQ(recognizer.recognize(*Written().page.bitmap).outcome, c.outcome) << c.what;
         expectNumberFound(recognizer);
     }
 }
