@@ -8,6 +8,9 @@
 #include "detect/RecognizedBoxes.h"
 
 #include <algorithm>
+#include <functional>
+#include <memory>
+#include <span>
 
 namespace murkwell::Detector {
 namespace {
@@ -41,17 +44,64 @@ std::vector<PatternMatcher> matchersFor(const PIIKinds& kinds) {
     return matchers;
 }
 
-Outcome addTextMatches(const Bitmap& image, const PIIKinds& kinds, TextRecognizer& recognizer,
-                       Results& results) {
-    const auto [lines, outcome] = recognizer.recognize(image);
-    const std::vector<PatternMatcher> matchers = matchersFor(kinds);
-    for (const RecognizedLine& line : lines) {
+// Where in a text there is what is looked for.
+using Finder = std::function<std::vector<TextRange>(std::u16string_view text)>;
+
+std::vector<Finder> findersOf(const PIIKinds& kinds) {
+    std::vector<Finder> finders;
+    for (PatternMatcher& matcher : matchersFor(kinds)) {
+        const auto shared = std::make_shared<PatternMatcher>(std::move(matcher));
+        finders.emplace_back([shared](std::u16string_view text) { return shared->matches(text); });
+    }
+    return finders;
+}
+
+struct Match {
+    std::size_t reading;
+    std::size_t finder;
+    RecognizerRect box;
+};
+
+// Another reading of the same place is not to cover a part of what is covered already: where one
+// reading sees "a@b.org" another may see "a@b" in "a@b.0rg".
+bool isPartOf(const Match& part, const Match& whole) {
+    return part.finder == whole.finder && part.reading != whole.reading &&
+           part.box.minX() >= whole.box.minX() && part.box.maxX() <= whole.box.maxX() &&
+           part.box.minY() >= whole.box.minY() && part.box.maxY() <= whole.box.maxY() &&
+           (part.box != whole.box || whole.reading < part.reading);
+}
+
+// Readings are lines of one place.
+std::vector<Match> matchesIn(std::span<const RecognizedLine> readings,
+                             const std::vector<Finder>& finders) {
+    std::vector<Match> matches;
+    for (std::size_t reading = 0; reading < readings.size(); ++reading) {
+        const RecognizedLine& line = readings[reading];
         const std::u16string text = Characters::fromUtf8(line.text);
-        for (const PatternMatcher& matcher : matchers) {
-            for (const TextRange& range : matcher.matches(text)) {
-                results.add(boxOf(line, text, range));
+        for (std::size_t finder = 0; finder < finders.size(); ++finder) {
+            for (const TextRange& range : finders[finder](text)) {
+                matches.push_back({reading, finder, boxOf(line, text, range)});
             }
         }
+    }
+    return matches;
+}
+
+Outcome addTextMatches(const Bitmap& image, const std::vector<Finder>& finders,
+                       TextRecognizer& recognizer, Results& results) {
+    const auto [lines, outcome] = recognizer.recognize(image);
+    for (std::span<const RecognizedLine> left = lines; !left.empty();) {
+        const auto place = left.first(static_cast<std::size_t>(
+            std::ranges::find_if(left, [&](const auto& line) { return line.box != left[0].box; }) -
+            left.begin()));
+        const std::vector<Match> matches = matchesIn(place, finders);
+        for (const Match& match : matches) {
+            const auto covers = [&](const Match& other) { return isPartOf(match, other); };
+            if (std::ranges::none_of(matches, covers)) {
+                results.add(match.box);
+            }
+        }
+        left = left.subspan(place.size());
     }
     return outcome;
 }
@@ -78,7 +128,7 @@ Findings detect(const Bitmap& image, const PIIKinds& kinds, RedactionStyle style
     Results results(style, engines.random);
     Findings findings;
     if (readsText(kinds)) {
-        findings.text = addTextMatches(image, kinds, engines.textRecognizer, results);
+        findings.text = addTextMatches(image, findersOf(kinds), engines.textRecognizer, results);
     }
     if (kinds.contains(PIIKind::faces)) {
         findings.faces = addFaces(image, engines.faceDetector, results);
@@ -94,15 +144,11 @@ Findings findMatches(std::string_view query, const Bitmap& image, bool fuzzy, Re
     if (wanted.empty()) {
         return {};
     }
-    const auto [lines, outcome] = engines.textRecognizer.recognize(image);
+    const Finder occurrences = [&](std::u16string_view text) {
+        return fuzzy ? fuzzyRanges(wanted, text) : exactRanges(wanted, text);
+    };
     Results results(style, engines.random);
-    for (const RecognizedLine& line : lines) {
-        const std::u16string text = Characters::fromUtf8(line.text);
-        const auto ranges = fuzzy ? fuzzyRanges(wanted, text) : exactRanges(wanted, text);
-        for (const TextRange& range : ranges) {
-            results.add(boxOf(line, text, range));
-        }
-    }
+    const Outcome outcome = addTextMatches(image, {occurrences}, engines.textRecognizer, results);
     return {std::move(results.redactions), outcome, std::nullopt};
 }
 

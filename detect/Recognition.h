@@ -28,7 +28,8 @@ struct Readiness {
     std::vector<std::string> missing;
 };
 
-// One printed line, or the part of one that belongs together.
+// One printed line, or the part of one that belongs together. Several readings of one place follow
+// each other and have the same box.
 struct RecognizedLine {
     std::string text; // UTF-8, best reading
     RecognizerRect box;

@@ -62,6 +62,33 @@ TEST_F(DetectorTest, OnlyWhatTheKindsNeedIsRun) {
     }
 }
 
+TEST_F(DetectorTest, ReadingsOfOnePlaceCoverItOnce) {
+    struct Case {
+        std::vector<const char*> readings;
+        std::vector<Columns> covered;
+    };
+    for (const Case& c : std::vector<Case>{
+             {{"a@b.org", "a@b.org"}, {{0, 7}}},
+             {{"a@b.co.org", "a@b.co.0rg", "x@b.org"}, {{0, 10}}},
+             {{"a@b.co 0rg", "a@b.co.org"}, {{0, 10}}},
+             {{"a@b.org", " a@b.org"}, {{0, 7}, {1, 8}}},
+         }) {
+        text.answer->clear();
+        for (const char* reading : c.readings) {
+            text.answer->push_back(asciiLine(reading));
+        }
+        std::vector<Columns> covered;
+        for (const Redaction& redaction : detect({PIIKind::email})) {
+            covered.push_back(columns(redaction));
+        }
+        EXPECT_EQ(covered, c.covered) << c.readings[0];
+        for (RecognizedLine& line : *text.answer) { // in places of their own
+            line.box.y += static_cast<double>(&line - text.answer->data());
+        }
+        EXPECT_EQ(detect({PIIKind::email}).size(), c.readings.size());
+    }
+}
+
 TEST_F(DetectorTest, MatchesComeByLineThenKindThenPositionAndFacesLast) {
     text.answer = {asciiLine("1.2.3.4 a@b.co 5.6.7.8 c@d.co"), asciiLine("123-45-6789")};
     faces.answer = {{{0.4, 0.4, 0.2, 0.2}}};
