@@ -25,20 +25,10 @@ public:
 
     // Why the document cannot be used.
     std::optional<LoadFailure> open() {
-        worker = job.workers.start("murkwell-pdf");
-        Message request;
-        request.kind = Kind::open;
-        request.index = reading == FileReading::repaired ? 1 : 0;
-        request.width = job.password ? 1 : 0;
-        request.size = limits.allLargeBlocks / limits.drawers;
-        request.number = static_cast<double>(limits.largestBlock);
-        if (!worker || !request.setText(job.password.value_or("")) ||
-            !worker->sendSource(job.file)) {
-            return LoadFailure::unreadable;
+        auto answer = openOnce();
+        if (!answer && worker && !worker->isLate() && !worker->hasCrashed()) {
+            answer = openOnce(); // somebody killed it, for which the document may not be to blame
         }
-        job.workers.allow(*worker, limits.openingTime);
-        const auto answer = job.workers.ask(*worker, request);
-        ::explicit_bzero(request.text.data(), request.text.size());
         if (!answer || answer->index < 0 || answer->index > mostPages) {
             return LoadFailure::unreadable;
         }
@@ -74,6 +64,25 @@ public:
 
 private:
     static constexpr std::int32_t mostPages = 1'000'000;
+
+    // The answer of a new worker, which may be null without an answer.
+    std::optional<Message> openOnce() {
+        worker = job.workers.start("murkwell-pdf");
+        Message request;
+        request.kind = Kind::open;
+        request.index = reading == FileReading::repaired ? 1 : 0;
+        request.width = job.password ? 1 : 0;
+        request.size = limits.allLargeBlocks / limits.drawers;
+        request.number = static_cast<double>(limits.largestBlock);
+        if (!worker || !request.setText(job.password.value_or("")) ||
+            !worker->sendSource(job.file)) {
+            return std::nullopt;
+        }
+        job.workers.allow(*worker, limits.openingTime);
+        auto answer = job.workers.ask(*worker, request);
+        ::explicit_bzero(request.text.data(), request.text.size());
+        return answer;
+    }
 
     // None when it makes no sense.
     std::optional<DrawnPage> read(const Message& answer) {
