@@ -56,27 +56,11 @@ bool namesHost(const std::vector<ReadCharacter>& characters) {
     return false;
 }
 
-// A nought beside a letter or an apostrophe, which may be an "O".
-bool mixesNoughts(const std::vector<ReadCharacter>& characters) {
-    const auto isOfWord = [](const ReadCharacter& character) {
-        return isAsciiLetter(character) || character.text == "'" || character.text == "’";
-    };
-    for (std::size_t i = 1; i < characters.size(); ++i) {
-        const ReadCharacter& before = characters[i - 1];
-        const ReadCharacter& after = characters[i];
-        if ((before.text == "0" && isOfWord(after)) || (after.text == "0" && isOfWord(before))) {
-            return true;
-        }
-    }
-    return false;
-}
-
 // "@" is read as a letter with a circumflex at times, and then the spaces around it are wrong too.
 bool isDoubtful(const StripReading& reading) {
     constexpr std::array<std::string_view, 13> suspicious{"@", "ĝ", "ĉ", "ĥ", "ĵ", "ŝ", "ŭ",
                                                           "Ĝ", "Ĉ", "Ĥ", "Ĵ", "Ŝ", "Ŭ"};
     return reading.confidence < sure || namesHost(reading.characters) ||
-           mixesNoughts(reading.characters) ||
            std::ranges::any_of(reading.characters, [&](const ReadCharacter& character) {
                return std::ranges::find(suspicious, character.text) != suspicious.end();
            });

@@ -20,7 +20,7 @@ struct LineText {
 
 // What the same place was read as, in a fixed order of readers, so that pieces of a line can be
 // joined reading by reading. Many of them are alike.
-using LineTexts = std::array<LineText, 6>;
+using LineTexts = std::array<LineText, 7>;
 
 struct PageLine {
     LineTexts texts;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <string_view>
 #include <utility>
 
@@ -42,6 +43,54 @@ Placed withNearMisses(Placed characters) {
     for (PlacedCharacter& character : characters) {
         if (!character.nearly.empty()) {
             character.text = character.nearly;
+        }
+    }
+    return characters;
+}
+
+bool isDigit(std::string_view text) {
+    return text.size() == 1 && text[0] >= '1' && text[0] <= '9';
+}
+
+// Of Latin script, or the apostrophe that an initial stands before.
+bool isOfWord(std::string_view text) {
+    constexpr unsigned char firstLatinLead = 0xC3; // of UTF-8, U+00C0 and on
+    constexpr unsigned char lastLatinLead = 0xC9;  // up to U+024F
+    const auto lead = static_cast<unsigned char>(text.front());
+    return text == "'" || std::isalpha(lead) || (lead >= firstLatinLead && lead <= lastLatinLead);
+}
+
+bool isNought(const PlacedCharacter& character) {
+    return character.text == "0" || character.text == "O" || character.text == "o";
+}
+
+// Whether what touches either end of a run, with no space between, is of that kind.
+bool touches(const Placed& characters, std::size_t begin, std::size_t end,
+             bool (*kind)(std::string_view)) {
+    return (begin > 0 && !characters[begin].spaceDecided && kind(characters[begin - 1].text)) ||
+           (end < characters.size() && !characters[end].spaceDecided && kind(characters[end].text));
+}
+
+// "0" and "O" look alike: beside letters it is the one, beside digits the other. A run of them
+// goes by both its ends, and stays as it was read when they disagree.
+Placed withNoughtsOfTheirKind(Placed characters) {
+    for (std::size_t begin = 0, end = 0; begin < characters.size(); begin = end) {
+        end = begin + 1;
+        if (!isNought(characters[begin])) {
+            continue;
+        }
+        while (end < characters.size() && isNought(characters[end]) &&
+               !characters[end].spaceDecided) {
+            ++end;
+        }
+        const bool word = touches(characters, begin, end, isOfWord);
+        const bool number = touches(characters, begin, end, isDigit);
+        for (std::size_t i = begin; i < end && word != number; ++i) {
+            if (number) {
+                characters[i].text = "0";
+            } else if (characters[i].text == "0") {
+                characters[i].text = "O";
+            }
         }
     }
     return characters;
@@ -98,7 +147,8 @@ std::optional<PageLine> pageLine(const LineStrip& strip, Direction direction,
         {text(one, &PlacedCharacter::spaceDecided), text(one, &PlacedCharacter::spaceRead),
          text(first.empty() ? second : raw, &PlacedCharacter::spaceRead),
          text(other, &PlacedCharacter::spaceDecided), text(other, &PlacedCharacter::spaceRead),
-         text(withNearMisses(other), &PlacedCharacter::spaceDecided)},
+         text(withNearMisses(other), &PlacedCharacter::spaceDecided),
+         text(withNoughtsOfTheirKind(one), &PlacedCharacter::spaceDecided)},
         strip.pageBox(0, strip.image.cols),
         (c[0] + c[3]) / 2,
         (c[1] + c[2]) / 2,
