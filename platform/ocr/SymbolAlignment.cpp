@@ -108,12 +108,8 @@ private:
         return .7 * away + 1.5 * inkAt(column) + around;
     }
 
-    // A word may end long before the next one begins: what counts is its ink.
-    [[nodiscard]] double costOfWidth(std::size_t symbol, int from, int to) const {
-        const bool endsWord = symbol + 1 == symbols.size() || symbols[symbol + 1].beginsWord;
-        const int end = endsWord ? std::max(from, inkEndBefore(to) + 1) : to;
-        const double off = (end - from) / unit - usualWidth(symbols[symbol].text);
-        return std::min(std::abs(off), 1.5);
+    [[nodiscard]] double costOfWidth(double usual, int from, int end) const {
+        return std::min(std::abs((std::max(from, end) - from) / unit - usual), 1.5);
     }
 
     // Behind the last column of ink before that one.
@@ -125,16 +121,20 @@ private:
     std::vector<double> advanced(const std::vector<double>& before, std::size_t cut,
                                  std::vector<int>& cameFrom) const {
         constexpr int narrowest = 2;
+        const double usual = usualWidth(symbols[cut - 1].text);
+        // A word may end long before the next one begins: what counts is its ink.
+        const bool endsWord = cut == symbols.size() || symbols[cut].beginsWord;
         std::vector<double> costs(states(), std::numeric_limits<double>::max());
         for (int to = 0; to < static_cast<int>(states()); ++to) {
             const auto at = static_cast<std::size_t>(to);
             const int column = columnOf(cut, to);
+            const int end = endsWord ? inkEndBefore(column) + 1 : column;
             for (int from = 0; from < static_cast<int>(states()); ++from) {
                 const int width = column - columnOf(cut - 1, from);
                 // Where no order is left to keep, any is as good.
                 const double cost =
                     before[static_cast<std::size_t>(from)] +
-                    (width < narrowest ? 100 : costOfWidth(cut - 1, column - width, column));
+                    (width < narrowest ? 100 : costOfWidth(usual, column - width, end));
                 if (cost < costs[at]) {
                     costs[at] = cost;
                     cameFrom[at] = from;
