@@ -176,7 +176,6 @@ TEST(ConfinedEngines, FindTheSameWhateverIsInstalled) {
              {"English elsewhere", {"latin.traineddata"}, English::elsewhere},
              {"nothing for Tesseract", {"latin.traineddata"}, English::none},
              {"Tesseract alone", {"faces.onnx", "text-lines.onnx"}, English::none},
-             {"nothing", {"latin.traineddata", "faces.onnx", "text-reader.onnx"}, English::none},
          }) {
         SCOPED_TRACE(what);
         const TemporaryFolder folder;
