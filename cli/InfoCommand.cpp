@@ -37,7 +37,8 @@ std::optional<Document> documentAt(const path& source, const Engines& engines, F
 Failure print(const path& source, const Document& document) {
     auto pages = nlohmann::ordered_json::array();
     for (const auto& page : document.pages) {
-        pages.push_back({page.image->width(), page.image->height()});
+        const PixelSize size = page.image->size();
+        pages.push_back({size.width, size.height});
     }
     return printJson({{"file", source.string()},
                       {"isPDF", document.isPDF},

@@ -7,24 +7,24 @@
 
 namespace murkwell::cli {
 
-// For pages that all live as long as this object. One thread at a time.
+// One thread at a time.
 class RememberedText final : public TextRecognizer {
 public:
     explicit RememberedText(TextRecognizer& used) : recognizer(used) {}
 
     [[nodiscard]] RecognizedText recognize(const Bitmap& page) override {
-        const auto known = pages.find(&page);
+        const auto known = pages.find(page.contents());
         if (known != pages.end()) {
             return known->second;
         }
-        return pages[&page] = recognizer.recognize(page);
+        return pages[page.contents()] = recognizer.recognize(page);
     }
 
     [[nodiscard]] Readiness readiness() override { return recognizer.readiness(); }
 
 private:
     TextRecognizer& recognizer;
-    std::map<const Bitmap*, RecognizedText> pages;
+    std::map<Bitmap::Contents, RecognizedText> pages;
 };
 
 } // namespace murkwell::cli

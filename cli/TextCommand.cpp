@@ -51,11 +51,15 @@ std::optional<std::string> readFile(const std::filesystem::path& source,
     }
     SearchReport report;
     for (const std::size_t index : pages) {
-        const Bitmap& page = *document->pages[index].image;
-        const auto [lines, outcome] = engines.recognition.textRecognizer.recognize(page);
+        const BitmapRef page = document->pages[index].image->unpack();
+        if (!page) {
+            report.addUnsearched(index);
+            continue;
+        }
+        const auto [lines, outcome] = engines.recognition.textRecognizer.recognize(*page);
         report.add(index, {{}, outcome, std::nullopt});
         for (const RecognizedLine& line : lines) {
-            if (auto failure = printLine(source, index + 1, page, line)) {
+            if (auto failure = printLine(source, index + 1, *page, line)) {
                 return failure;
             }
         }

@@ -1,5 +1,6 @@
 #include "core/Bitmap.h"
 
+#include <atomic>
 #include <cstring>
 #include <utility>
 
@@ -12,18 +13,19 @@ std::size_t Bitmap::sizeInBytes(int width, int height) {
     return sizeof(Rgba) * static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
 }
 
-std::shared_ptr<Bitmap> Bitmap::allocate(int width, int height, PixelMemory::Content content) {
+Bitmap::Contents Bitmap::nextContents() {
+    static std::atomic<std::uint64_t> last{0};
+    return Contents{++last};
+}
+
+std::shared_ptr<Bitmap> Bitmap::create(int width, int height, PixelMemory::Content content) {
     const std::size_t bytes = sizeInBytes(width, height);
     auto memory = bytes > 0 ? PixelMemory::take(bytes, content) : nullptr;
     return memory ? std::shared_ptr<Bitmap>(new Bitmap(width, height, std::move(memory))) : nullptr;
 }
 
-std::shared_ptr<Bitmap> Bitmap::create(int width, int height) {
-    return allocate(width, height, PixelMemory::Content::zero);
-}
-
 std::shared_ptr<Bitmap> Bitmap::copy(const Bitmap& source) {
-    auto result = allocate(source.width(), source.height(), PixelMemory::Content::toBeOverwritten);
+    auto result = create(source.width(), source.height(), PixelMemory::Content::toBeOverwritten);
     if (result) {
         std::memcpy(result->data, source.data, source.pixels().size_bytes());
     }

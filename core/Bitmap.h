@@ -36,8 +36,10 @@ public:
     // Bytes of so many pixels; 0 when there is no bitmap of that size.
     [[nodiscard]] static std::size_t sizeInBytes(int width, int height);
 
-    // Transparent black. Null when a side is below 1 or when memory runs out (PixelMemory).
-    [[nodiscard]] static std::shared_ptr<Bitmap> create(int width, int height);
+    // Transparent black, unless everything is to be overwritten anyway. Null when a side is below 1
+    // or when memory runs out (PixelMemory).
+    [[nodiscard]] static std::shared_ptr<Bitmap>
+    create(int width, int height, PixelMemory::Content content = PixelMemory::Content::zero);
 
     [[nodiscard]] static std::shared_ptr<Bitmap> copy(const Bitmap& source);
 
@@ -48,6 +50,11 @@ public:
 
     Bitmap(const Bitmap&) = delete;
     Bitmap& operator=(const Bitmap&) = delete;
+
+    // Tells bitmaps of different contents apart, for whoever remembers what it learnt of one. A
+    // page's is the same every time it is unpacked.
+    enum class Contents : std::uint64_t {};
+    [[nodiscard]] Contents contents() const { return contents_; }
 
     [[nodiscard]] int width() const { return width_; }
     [[nodiscard]] int height() const { return height_; }
@@ -63,11 +70,13 @@ public:
     }
 
 private:
-    static std::shared_ptr<Bitmap> allocate(int width, int height, PixelMemory::Content content);
+    friend class PackedBitmap;
 
     Bitmap(int width, int height, PixelMemory::Block block)
         : width_(width), height_(height), memory(std::move(block)),
           data(reinterpret_cast<Rgba*>(memory.get())) {}
+
+    [[nodiscard]] static Contents nextContents();
 
     [[nodiscard]] std::size_t pixelCount() const {
         return static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_);
@@ -78,6 +87,7 @@ private:
 
     int width_;
     int height_;
+    Contents contents_ = nextContents();
     PixelMemory::Block memory;
     Rgba* data;
 };

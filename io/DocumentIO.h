@@ -25,7 +25,7 @@ class RandomSource;
 namespace DocumentIO {
 
 struct Page {
-    BitmapRef image;        // never null
+    PackedBitmapRef image;  // never null
     bool isComplete = true; // false: something of it may be missing, or shown that should not be
 };
 

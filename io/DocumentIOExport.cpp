@@ -1,6 +1,5 @@
 #include "io/DocumentIO.h"
 
-#include "core/ParallelFor.h"
 #include "core/RedactionEngine.h"
 #include "io/FileAccess.h"
 #include "io/FileName.h"
@@ -17,23 +16,17 @@ constexpr double jpegQuality = 0.92;
 
 constexpr std::size_t mostColoursOfGif = 256;
 
-// One fresh bitmap per page, in order. None when any page cannot be burned.
-std::optional<std::vector<BitmapRef>>
-burnPages(const Document& document, std::span<const std::vector<Redaction>> redactionsByPage,
-          RandomSource& random, std::size_t mostColours) {
-    std::vector<BitmapRef> burned(document.pages.size());
-    const bool allRan = parallelFor(burned.size(), [&](std::size_t i) {
-        std::span<const Redaction> redactions;
-        if (i < redactionsByPage.size()) {
-            redactions = redactionsByPage[i];
-        }
-        burned[i] =
-            RedactionEngine::burn(*document.pages[i].image, redactions, random, mostColours);
-    });
-    if (!allRan || burned.empty() || std::ranges::count(burned, nullptr) > 0) {
-        return std::nullopt;
-    }
-    return burned;
+using RedactionLists = std::span<const std::vector<Redaction>>;
+
+// A fresh bitmap; null when the page cannot be burned.
+BitmapRef burned(const Page& page, std::span<const Redaction> redactions, RandomSource& random,
+                 std::size_t mostColours) {
+    const BitmapRef pixels = page.image->unpack();
+    return pixels ? RedactionEngine::burn(*pixels, redactions, random, mostColours) : nullptr;
+}
+
+std::span<const Redaction> listOf(std::size_t page, RedactionLists redactionsByPage) {
+    return page < redactionsByPage.size() ? redactionsByPage[page] : std::span<const Redaction>();
 }
 
 ContentType writableType(const ContentType& source, const ImageCodec& codec) {
@@ -50,19 +43,26 @@ ContentType writableType(const ContentType& source, const ImageCodec& codec) {
     return ContentType::png;
 }
 
-bool writeIfEncoded(const std::optional<Bytes>& bytes, const Destination& destination) {
-    return bytes && writeFileAtomically(destination, *bytes);
+std::optional<Bytes> encodePDF(const Document& document, RedactionLists redactionsByPage,
+                               const Engines& engines) {
+    if (document.pages.empty()) {
+        return std::nullopt;
+    }
+    return engines.pdfWriter.encode(document.pages.size(), [&](std::size_t page) {
+        return burned(document.pages[page], listOf(page, redactionsByPage), engines.random,
+                      RedactionEngine::anyNumber);
+    });
 }
 
-bool writeImage(const Bitmap& image, const Destination& destination, const ContentType& type,
-                ImageCodec& codec) {
+std::optional<Bytes> encodeImage(const Document& document, RedactionLists redactionsByPage,
+                                 const Engines& engines) {
+    const ContentType type = writableType(document.imageType, engines.imageCodec);
     const auto quality =
         type == ContentType::jpeg ? std::optional<double>(jpegQuality) : std::nullopt;
-    return writeIfEncoded(codec.encode(image, type, quality), destination);
-}
-
-bool writePDF(std::vector<BitmapRef> pages, const Destination& destination, PdfWriter& writer) {
-    return writeIfEncoded(writer.encode(std::move(pages)), destination);
+    const BitmapRef image =
+        burned(document.pages.front(), listOf(0, redactionsByPage), engines.random,
+               type == ContentType::gif ? mostColoursOfGif : RedactionEngine::anyNumber);
+    return image ? engines.imageCodec.encode(*image, type, quality) : std::nullopt;
 }
 
 bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
@@ -90,18 +90,9 @@ bool write(const Document& document, std::span<const std::vector<Redaction>> red
     if (isSameFile(document.url, destination.location)) {
         return false;
     }
-    const ContentType type =
-        document.isPDF ? ContentType::pdf : writableType(document.imageType, engines.imageCodec);
-    auto burned =
-        burnPages(document, redactionsByPage, engines.random,
-                  type == ContentType::gif ? mostColoursOfGif : RedactionEngine::anyNumber);
-    if (!burned) {
-        return false;
-    }
-    if (document.isPDF) {
-        return writePDF(std::move(*burned), destination, engines.pdfWriter);
-    }
-    return writeImage(*burned->front(), destination, type, engines.imageCodec);
+    const auto bytes = document.isPDF ? encodePDF(document, redactionsByPage, engines)
+                                      : encodeImage(document, redactionsByPage, engines);
+    return bytes && writeFileAtomically(destination, *bytes);
 }
 
 std::filesystem::path defaultOutputURL(const Document& document) {

@@ -43,11 +43,11 @@ ContentType imageTypeOf(const DecodedImage& image, const std::filesystem::path& 
 
 LoadResult loadImage(Bytes data, const std::filesystem::path& url, ImageCodec& codec) {
     const auto image = codec.decode(data);
-    if (!image || !image->bitmap) {
+    const auto page = image ? PackedBitmap::pack(image->bitmap) : nullptr;
+    if (!page) {
         return LoadFailure::unreadable;
     }
-    return Document{
-        url, false, imageTypeOf(*image, url), {{image->bitmap}}, image->pictureCount - 1};
+    return Document{url, false, imageTypeOf(*image, url), {{page}}, image->pictureCount - 1};
 }
 
 } // namespace

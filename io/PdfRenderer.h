@@ -3,7 +3,7 @@
 // Called on one thread at a time; an adapter may use more threads inside the call.
 #pragma once
 
-#include "core/Bitmap.h"
+#include "core/PackedBitmap.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +16,7 @@
 namespace murkwell {
 
 struct RenderedPage {
-    BitmapRef image;        // null: the file itself makes this page impossible
+    PackedBitmapRef image;  // null: the file itself makes this page impossible
     bool isComplete = true; // false: something of it may be missing, or shown that should not be
 };
 

@@ -18,19 +18,16 @@ const PageLists::Page& RedactModel::currentRedactions() const {
                                  : none;
 }
 
-BitmapRef RedactModel::currentImage() const {
+PackedBitmapRef RedactModel::currentImage() const {
     return image(currentPage());
 }
 
 std::optional<PixelSize> RedactModel::currentPixelSize() const {
-    const BitmapRef bitmap = currentImage();
-    if (!bitmap) {
-        return std::nullopt;
-    }
-    return PixelSize{bitmap->width(), bitmap->height()};
+    const PackedBitmapRef page = currentImage();
+    return page ? std::optional(page->size()) : std::nullopt;
 }
 
-BitmapRef RedactModel::image(std::int64_t page) const {
+PackedBitmapRef RedactModel::image(std::int64_t page) const {
     if (!document() || page < 0 || static_cast<std::uint64_t>(page) >= document()->pages.size()) {
         return nullptr;
     }

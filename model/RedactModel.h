@@ -73,9 +73,9 @@ public:
 
     // Views of the state, computed when asked for.
     [[nodiscard]] const PageLists::Page& currentRedactions() const; // until the next change
-    [[nodiscard]] BitmapRef currentImage() const;
+    [[nodiscard]] PackedBitmapRef currentImage() const;
     [[nodiscard]] std::optional<PixelSize> currentPixelSize() const;
-    [[nodiscard]] BitmapRef image(std::int64_t page) const;
+    [[nodiscard]] PackedBitmapRef image(std::int64_t page) const;
     [[nodiscard]] std::size_t redactionCount(std::int64_t page) const;
     [[nodiscard]] std::size_t totalRedactionCount() const;
     [[nodiscard]] bool hasSelection() const { return selectedID().has_value(); }
@@ -162,7 +162,7 @@ private:
     struct SearchRun {
         std::string name;
         std::vector<std::int64_t> targetPages;
-        std::vector<BitmapRef> images;
+        std::vector<PackedBitmapRef> images;
         Search search;
     };
 

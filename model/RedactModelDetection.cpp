@@ -89,9 +89,10 @@ void RedactModel::runFind(std::string_view name, Operation operation, Search sea
 // On a background thread: page after page, in order. A page that throws, for want of memory most
 // likely, has failed alone. None when the search could not be finished.
 std::optional<RedactModel::SearchResults> RedactModel::searchPages(const SearchRun& run) {
-    const auto searched = [&](const Bitmap& image) -> std::optional<Detector::Findings> {
+    const auto searched = [&](const PackedBitmap& page) -> std::optional<Detector::Findings> {
         try {
-            return run.search(image);
+            const BitmapRef image = page.unpack();
+            return image ? std::optional(run.search(*image)) : std::nullopt;
         } catch (const std::exception&) {
             return std::nullopt;
         }
@@ -160,9 +161,8 @@ RedactModel::withoutDuplicates(const std::vector<PageMatches>& results) const {
     std::vector<PageMatches> additions;
     for (const auto& [page, found] : results) {
         if (page < redactionsByPage().size()) {
-            const Bitmap& image = *document()->pages[page].image;
             auto fresh = withoutNearDuplicates(found, redactionsByPage()[page],
-                                               {image.width(), image.height()});
+                                               document()->pages[page].image->size());
             if (!fresh.empty()) {
                 additions.push_back({page, std::move(fresh)});
             }

@@ -17,7 +17,7 @@ public:
     explicit Pages(std::size_t wanted) : count(wanted) {}
     Result render(std::span<const std::byte> /*pdf*/,
                   const std::optional<std::string>& /*password*/) override {
-        return std::vector<RenderedPage>(count, {Bitmap::create(8, 8)});
+        return std::vector<RenderedPage>(count, {PackedBitmap::pack(Bitmap::create(8, 8))});
     }
 
 private:
@@ -29,7 +29,9 @@ class NoEngines final : public PdfWriter,
                         public TextRecognizer,
                         public FaceDetector {
 public:
-    std::optional<std::vector<std::byte>> encode(std::vector<BitmapRef>) override { return {}; }
+    std::optional<std::vector<std::byte>> encode(std::size_t, const PageSource&) override {
+        return {};
+    }
     std::optional<DecodedImage> decode(std::span<const std::byte>) override { return {}; }
     std::vector<std::string> encodableTypes() const override { return {}; }
     std::optional<std::vector<std::byte>> encode(const Bitmap&, const ContentType&,

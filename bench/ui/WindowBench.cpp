@@ -84,14 +84,14 @@ struct Window {
     }
 };
 
-BitmapRef noisyPage() {
+PackedBitmapRef noisyPage() {
     SystemRandomSource random;
     const auto page = Bitmap::create(1224, 1584);
     for (Rgba& pixel : page->pixels()) {
         const auto grey = static_cast<std::uint8_t>(random.next());
         pixel = {grey, grey, grey, 255};
     }
-    return page;
+    return PackedBitmap::pack(page);
 }
 
 void send(QWidget* to, QEvent::Type type, QPointF at) {

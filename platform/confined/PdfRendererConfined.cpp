@@ -8,7 +8,7 @@
 namespace murkwell {
 namespace {
 
-using End = DrawnPage::End;
+using End = DrawnPdfPage::End;
 using Kind = Message::Kind;
 
 // What all drawers of a document share.
@@ -40,12 +40,12 @@ public:
 
     [[nodiscard]] std::size_t pageCount() const override { return count; }
 
-    DrawnPage draw(std::size_t page) override {
+    DrawnPdfPage draw(std::size_t page) override {
         const std::size_t pagesBefore = count;
         if (!worker && (open() || count != pagesBefore)) {
             worker.reset();
             count = pagesBefore;
-            return {End::stopped, {}};
+            return {End::stopped};
         }
         Message request;
         request.kind = Kind::page;
@@ -59,7 +59,7 @@ public:
         // A page that breaks the engine does so every time: the file makes it impossible.
         const bool isImpossible = worker->hasCrashed();
         worker.reset();
-        return {isImpossible ? End::drawn : End::stopped, {}};
+        return {isImpossible ? End::drawn : End::stopped};
     }
 
 private:
@@ -85,20 +85,20 @@ private:
     }
 
     // None when it makes no sense.
-    std::optional<DrawnPage> read(const Message& answer) {
+    std::optional<DrawnPdfPage> read(const Message& answer) {
         if (answer.index == static_cast<int>(End::stopped) ||
             answer.index == static_cast<int>(End::repaired)) {
-            return DrawnPage{static_cast<End>(answer.index), {}};
+            return DrawnPdfPage{static_cast<End>(answer.index)};
         }
         if (answer.index != static_cast<int>(End::drawn)) {
             return std::nullopt;
         }
         if (answer.width == 0) {
-            return DrawnPage{End::drawn, {}};
+            return DrawnPdfPage{End::drawn};
         }
         auto image = worker->takeBitmap(answer);
         return image ? std::optional(
-                           DrawnPage{End::drawn, {std::move(image), answer.number == complete}})
+                           DrawnPdfPage{End::drawn, std::move(image), answer.number == complete})
                      : std::nullopt;
     }
 

@@ -22,7 +22,7 @@ struct PageLimits {
     std::size_t drawers = 1; // at the same time, at most
 };
 
-struct DrawnPage {
+struct DrawnPdfPage {
     enum class End : std::uint8_t {
         drawn,    // without an image: the file makes the page impossible
         stopped,  // by a limit of ours
@@ -30,7 +30,8 @@ struct DrawnPage {
     };
 
     End end;
-    RenderedPage page; // when drawn
+    BitmapRef image = nullptr; // null unless drawn
+    bool isComplete = true;
 };
 
 // What comes out depends on the file and the page alone, not on what was drawn before.
@@ -39,7 +40,7 @@ public:
     virtual ~PageDrawer() = default;
 
     [[nodiscard]] virtual std::size_t pageCount() const = 0;
-    [[nodiscard]] virtual DrawnPage draw(std::size_t page) = 0;
+    [[nodiscard]] virtual DrawnPdfPage draw(std::size_t page) = 0;
 };
 
 using OpenedDrawer = std::variant<std::unique_ptr<PageDrawer>, LoadFailure>;

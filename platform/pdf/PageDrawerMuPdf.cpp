@@ -16,7 +16,7 @@ extern "C" void fz_default_image_decode(void* argument, int width, int height, i
 namespace murkwell {
 namespace {
 
-using End = DrawnPage::End;
+using End = DrawnPdfPage::End;
 
 // Pixels per point.
 constexpr float scale = 2;
@@ -127,18 +127,18 @@ public:
 
     [[nodiscard]] std::size_t pageCount() const override { return count; }
 
-    DrawnPage draw(std::size_t index) override {
+    DrawnPdfPage draw(std::size_t index) override {
         if (!forgetEarlierPages()) {
-            return {End::stopped, {}};
+            return {End::stopped};
         }
         const bool wasRepairedBefore = wasRepaired();
         fz_cookie cookie{};
-        DrawnPage drawn = draw(static_cast<int>(index), cookie);
+        DrawnPdfPage drawn = draw(static_cast<int>(index), cookie);
         hasMendedPages = cookie.errors > 0;
         if (wasRepaired() && !wasRepairedBefore) {
-            return {End::repaired, {}};
+            return {End::repaired};
         }
-        return context.wasStopped() ? DrawnPage{End::stopped, {}} : drawn;
+        return context.wasStopped() ? DrawnPdfPage{End::stopped} : drawn;
     }
 
 private:
@@ -178,7 +178,7 @@ private:
 
     [[nodiscard]] bool wasRepaired() { return pdf_was_repaired(context.get(), document) != 0; }
 
-    DrawnPage draw(int index, fz_cookie& cookie) {
+    DrawnPdfPage draw(int index, fz_cookie& cookie) {
         fz_context* const fz = context.get();
         pdf_page* page = nullptr;
         PageGeometry geometry{};
@@ -191,7 +191,7 @@ private:
             takeOutAnnotations(fz, document, object);
             page = pdf_load_page(fz, document, index);
         });
-        DrawnPage drawn{End::drawn, {}};
+        DrawnPdfPage drawn{End::drawn};
         if (loaded && canBeBitmap(pixelSizeOf(geometry))) {
             drawn = draw(page, pixelSizeOf(geometry), cookie);
         }
@@ -199,11 +199,11 @@ private:
         return drawn;
     }
 
-    DrawnPage draw(pdf_page* page, PixelSize size, fz_cookie& cookie) {
+    DrawnPdfPage draw(pdf_page* page, PixelSize size, fz_cookie& cookie) {
         fz_context* const fz = context.get();
         const auto bitmap = Bitmap::create(size.width, size.height);
         if (!bitmap) {
-            return {End::stopped, {}};
+            return {End::stopped};
         }
         fz_pixmap* pixmap = nullptr;
         const bool ready = attempt(fz, [&] {
@@ -219,7 +219,7 @@ private:
         // What asks for absurd amounts of memory fails for want of it on every machine: the page
         // goes without. Other memory has a limit, which the context knows of.
         const bool isWhole = drawing == PageDrawing::Whole && !context.sawAbsurdBlock();
-        return {ready ? End::drawn : End::stopped, {bitmap, isWhole}};
+        return {ready ? End::drawn : End::stopped, bitmap, isWhole};
     }
 
     std::span<const std::byte> pdf;

@@ -14,7 +14,7 @@ namespace murkwell {
 namespace {
 
 using namespace std::chrono_literals;
-using End = DrawnPage::End;
+using End = DrawnPdfPage::End;
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
 
@@ -83,10 +83,9 @@ private:
         const auto work = [&](PageDrawer& drawer) {
             for (std::size_t i = 0; !halted && (i = next++) < waiting.size();) {
                 ends[i] = End::stopped; // until it is drawn, should that throw
-                DrawnPage drawn = drawer.draw(waiting[i]);
-                ends[i] = drawn.end;
-                pages[waiting[i]] = std::move(drawn.page);
-                halted = halted || drawn.end != End::drawn;
+                DrawnPdfPage drawn = drawer.draw(waiting[i]);
+                ends[i] = keep(waiting[i], std::move(drawn));
+                halted = halted || ends[i] != End::drawn;
             }
         };
         const std::size_t wanted = std::min(threadCount, waiting.size());
@@ -127,10 +126,16 @@ private:
         if (!drawer) {
             return false;
         }
-        DrawnPage drawn = drawer->draw(page);
-        isDamaged = drawn.end == End::repaired;
-        pages[page] = std::move(drawn.page);
-        return drawn.end != End::stopped;
+        const End end = keep(page, drawer->draw(page));
+        isDamaged = end == End::repaired;
+        return end != End::stopped;
+    }
+
+    // Packs the page. One for which memory does not suffice counts as stopped.
+    End keep(std::size_t page, DrawnPdfPage drawn) {
+        const bool hasImage = drawn.image != nullptr;
+        pages[page] = {PackedBitmap::pack(std::move(drawn.image)), drawn.isComplete};
+        return hasImage && !pages[page].image ? End::stopped : drawn.end;
     }
 
     const OpenDrawer& open;

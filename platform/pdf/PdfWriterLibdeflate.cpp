@@ -16,11 +16,12 @@ namespace {
 using Bytes = std::vector<std::byte>;
 
 // None when one of them cannot be made.
-std::optional<std::vector<PageImage>> encodeImages(std::vector<BitmapRef> pages) {
-    std::vector<std::optional<PageImage>> encoded(pages.size());
-    const bool allRan = parallelFor(pages.size(), [&](std::size_t i) {
-        encoded[i] = encodePageImage(*pages[i]);
-        pages[i].reset();
+std::optional<std::vector<PageImage>> encodeImages(std::size_t count,
+                                                   const PdfWriter::PageSource& pageAt) {
+    std::vector<std::optional<PageImage>> encoded(count);
+    const bool allRan = parallelFor(count, [&](std::size_t i) {
+        const BitmapRef page = pageAt(i);
+        encoded[i] = page ? encodePageImage(*page) : std::nullopt;
     });
     if (!allRan) {
         return std::nullopt;
@@ -202,9 +203,9 @@ void addPage(PdfFile& file, const PageImage& image) {
 
 } // namespace
 
-std::optional<Bytes> PdfWriterLibdeflate::encode(std::vector<BitmapRef> pages) {
+std::optional<Bytes> PdfWriterLibdeflate::encode(std::size_t pageCount, const PageSource& pageAt) {
     try {
-        const auto images = encodeImages(std::move(pages));
+        const auto images = encodeImages(pageCount, pageAt);
         if (!images) {
             return std::nullopt;
         }

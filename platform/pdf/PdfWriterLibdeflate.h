@@ -8,8 +8,8 @@ namespace murkwell {
 
 class PdfWriterLibdeflate final : public PdfWriter {
 public:
-    [[nodiscard]] std::optional<std::vector<std::byte>>
-    encode(std::vector<BitmapRef> pages) override;
+    [[nodiscard]] std::optional<std::vector<std::byte>> encode(std::size_t pageCount,
+                                                               const PageSource& pageAt) override;
 };
 
 } // namespace murkwell

@@ -40,8 +40,8 @@ TEST(Load, TheNameAloneDecidesTheRoute) {
 
 TEST(Load, BrokenPdfPagesAreLeftOutAndTheOthersMoveUp) {
     FakeEngines fakes;
-    const auto first = plainBitmap(1, 1);
-    const auto third = plainBitmap(3, 3);
+    const auto first = plainPage(1, 1);
+    const auto third = plainPage(3, 3);
     fakes.renderer.pages = {{first}, {}, {third, false}};
     const auto document = load(fakes, "a.pdf");
     ASSERT_TRUE(document);

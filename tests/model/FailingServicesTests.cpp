@@ -36,8 +36,9 @@ private:
 class FailingWriter final : public PdfWriter {
 public:
     FailingWriter(Plan& shared, PdfWriter& real) : plan(shared), inner(real) {}
-    std::optional<std::vector<std::byte>> encode(std::vector<BitmapRef> pages) override {
-        return plan.failsNow() ? std::nullopt : inner.encode(std::move(pages));
+    std::optional<std::vector<std::byte>> encode(std::size_t pageCount,
+                                                 const PageSource& pageAt) override {
+        return plan.failsNow() ? std::nullopt : inner.encode(pageCount, pageAt);
     }
 
 private:

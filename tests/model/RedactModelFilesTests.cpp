@@ -238,8 +238,8 @@ TEST_F(Files, WhatDidNotComeWholeIsSaidWhenItOpensAndWhenItIsExported) {
         std::vector<RenderedPage> pages;
         const char* remarks;
     };
-    const RenderedPage whole{plainBitmap(2, 2)};
-    const RenderedPage broken{plainBitmap(2, 2), false};
+    const RenderedPage whole{plainPage(2, 2)};
+    const RenderedPage broken{plainPage(2, 2), false};
     const RenderedPage none;
     for (const Case& c : std::vector<Case>{
              {{whole}, ""},
@@ -325,7 +325,7 @@ TEST_F(Files, WhatIsSavedIsWhatWasRenderedWhateverBecomesOfTheFile) {
         explicit ChangingRenderer(fs::path given) : file(std::move(given)) {}
         Result render(std::span<const std::byte>, const std::optional<std::string>&) override {
             std::ofstream(file) << "changed while it was rendered";
-            return std::vector<RenderedPage>{{plainBitmap(2, 2)}};
+            return std::vector<RenderedPage>{{plainPage(2, 2)}};
         }
         fs::path file;
     };

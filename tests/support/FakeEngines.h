@@ -21,6 +21,10 @@ inline BitmapRef plainBitmap(int width, int height, Rgba colour = {200, 100, 50,
     return bitmap;
 }
 
+inline PackedBitmapRef plainPage(int width, int height, Rgba colour = {200, 100, 50, 255}) {
+    return PackedBitmap::pack(plainBitmap(width, height, colour));
+}
+
 class FakePdfRenderer final : public PdfRenderer {
 public:
     Result render(std::span<const std::byte>, const std::optional<std::string>& given) override {
@@ -41,9 +45,13 @@ public:
 
 class FakePdfWriter final : public PdfWriter {
 public:
-    std::optional<std::vector<std::byte>> encode(std::vector<BitmapRef> given) override {
-        pages = std::move(given);
-        return result;
+    std::optional<std::vector<std::byte>> encode(std::size_t pageCount,
+                                                 const PageSource& pageAt) override {
+        pages.clear();
+        for (std::size_t i = 0; i < pageCount; ++i) {
+            pages.push_back(pageAt(i));
+        }
+        return std::ranges::count(pages, nullptr) > 0 ? std::nullopt : result;
     }
 
     std::vector<BitmapRef> pages;

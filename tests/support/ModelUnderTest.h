@@ -16,7 +16,7 @@ struct ModelUnderTest {
     explicit ModelUnderTest(std::size_t pdfPages = 3) {
         engines.renderer.pages.emplace();
         for (std::size_t i = 0; i < pdfPages; ++i) {
-            engines.renderer.pages->push_back({plainBitmap(20, 10 + static_cast<int>(i))});
+            engines.renderer.pages->push_back({plainPage(20, 10 + static_cast<int>(i))});
         }
         engines.codec.decoded = DecodedImage{plainBitmap(30, 40), "public.png"};
         model = std::make_unique<RedactModel>(services());

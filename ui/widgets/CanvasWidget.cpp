@@ -111,28 +111,31 @@ void CanvasWidget::updateHatch() {
 }
 
 void CanvasWidget::updateBackdrop() {
-    const BitmapRef page = model.currentImage();
+    const PackedBitmapRef page = model.currentImage();
     const double ratio = devicePixelRatioF();
     const CanvasRect fit = canvas.fit();
     updateHatch();
     if (page == backdropPage && fit == backdropFit && hatch.size() == backdrop.size()) {
         return;
     }
-    backdropPage = page;
+    if (page != backdropPage) {
+        backdropPage = page;
+        pagePixels = page ? page->unpack() : nullptr;
+    }
     backdropFit = fit;
     backdrop = hatch;
     QPainter painter(&backdrop);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF place = CanvasPainting::toQRectF(fit);
-    if (!page || place.isEmpty()) {
+    if (!pagePixels || place.isEmpty()) {
         return;
     }
     paintShadow(painter, place, 0, shadowBlur, shadowDrop, shadowOpacity);
     // On whole device pixels, or the text would be blurred a second time.
-    const QRect pixels = QRectF(place.topLeft() * ratio, place.size() * ratio).toRect();
-    const QPixmap scaled = scaledPage(*page, pixels.size().expandedTo(QSize(1, 1)));
+    const QRect device = QRectF(place.topLeft() * ratio, place.size() * ratio).toRect();
+    const QPixmap scaled = scaledPage(*pagePixels, device.size().expandedTo(QSize(1, 1)));
     painter.scale(1 / ratio, 1 / ratio);
-    painter.drawPixmap(pixels.topLeft(), scaled);
+    painter.drawPixmap(device.topLeft(), scaled);
 }
 
 void CanvasWidget::paintEvent(QPaintEvent* event) {

@@ -49,7 +49,8 @@ private:
     // The hatch alone, and hatch, shadow and page, in device pixels; and what they were made of.
     QPixmap hatch;
     QPixmap backdrop;
-    BitmapRef backdropPage;
+    PackedBitmapRef backdropPage;
+    BitmapRef pagePixels; // of that page
     CanvasRect backdropFit{};
     std::optional<Uuid> announced;
 };

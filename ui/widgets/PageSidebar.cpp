@@ -59,7 +59,7 @@ public:
 private:
     // What a row is painted from.
     struct Row {
-        BitmapRef page;
+        PackedBitmapRef page;
         std::size_t count = 0;
         bool operator==(const Row&) const = default;
     };

@@ -78,22 +78,33 @@ void PageThumb::paintThumbnail(QPainter& painter, const QRectF& frame, int page)
     const Theme theme = Theme::of(*view);
     QPainterPath rounded;
     rounded.addRoundedRect(frame, thumbRadius, thumbRadius);
-    const BitmapRef bitmap = model.image(page);
-    if (bitmap) {
-        Drawing& drawing = drawings[page];
-        const QSize size = (thumbSize * painter.device()->devicePixelRatioF()).toSize();
-        if (drawing.page != bitmap || drawing.pixmap.size() != size) {
-            drawing = {bitmap, thumbnail(*bitmap, size)};
-        }
+    const QPixmap drawing =
+        drawingOf(page, (thumbSize * painter.device()->devicePixelRatioF()).toSize());
+    if (!drawing.isNull()) {
         painter.save();
         painter.setClipPath(rounded, Qt::IntersectClip);
-        painter.drawPixmap(frame, drawing.pixmap, QRectF(drawing.pixmap.rect()));
+        painter.drawPixmap(frame, drawing, QRectF(drawing.rect()));
         painter.restore();
     } else {
         painter.fillPath(rounded, Qt::white);
         painter.fillPath(rounded, withOpacity(QColor(128, 128, 128), 0.2));
     }
     outlineRounded(painter, frame, thumbRadius, theme.faintest);
+}
+
+QPixmap PageThumb::drawingOf(int page, const QSize& size) const {
+    const PackedBitmapRef image = model.image(page);
+    const Drawing* const known = drawings.object(page);
+    if (known != nullptr && known->page == image && known->pixmap.size() == size) {
+        return known->pixmap;
+    }
+    const BitmapRef pixels = image ? image->unpack() : nullptr;
+    if (!pixels) {
+        return {};
+    }
+    const QPixmap pixmap = thumbnail(*pixels, size);
+    drawings.insert(page, new Drawing{image, pixmap});
+    return pixmap;
 }
 
 QRectF PageThumb::paintBadge(QPainter& painter, const QRectF& row, std::size_t count,

@@ -1,9 +1,9 @@
 // A row of the sidebar: the page in small, its number, and how much is redacted on it.
 #pragma once
 
-#include "core/Bitmap.h"
+#include "core/PackedBitmap.h"
 
-#include <QHash>
+#include <QCache>
 #include <QPixmap>
 #include <QStyledItemDelegate>
 
@@ -29,11 +29,13 @@ public:
 
 private:
     struct Drawing {
-        BitmapRef page;
+        PackedBitmapRef page;
         QPixmap pixmap;
     };
 
     void paintThumbnail(QPainter& painter, const QRectF& frame, int page) const;
+    // Null when there is no such page or no memory for it.
+    [[nodiscard]] QPixmap drawingOf(int page, const QSize& size) const;
     void paintTexts(QPainter& painter, const QRectF& space, int page, const QFont& font) const;
     // The space that is left of it.
     [[nodiscard]] QRectF paintBadge(QPainter& painter, const QRectF& row, std::size_t count,
@@ -41,7 +43,9 @@ private:
 
     const RedactModel& model;
     const QWidget* view;
-    mutable QHash<int, Drawing> drawings; // made when first painted
+    // Made when a row is first painted. As many as are looked at in one go: a document may have
+    // thousands of pages.
+    mutable QCache<int, Drawing> drawings{500};
 };
 
 } // namespace murkwell

@@ -46,13 +46,13 @@ private:
     }
 
     Message draw(WorkerLoop& loop, const Message& request) {
-        const Message stopped = WorkerLoop::done(static_cast<int>(DrawnPage::End::stopped));
+        const Message stopped = WorkerLoop::done(static_cast<int>(DrawnPdfPage::End::stopped));
         if (!drawer) {
             return stopped;
         }
-        auto [end, page] = drawer->draw(static_cast<std::size_t>(request.index));
-        if (end != DrawnPage::End::drawn || !page.image) {
-            return WorkerLoop::done(static_cast<int>(end));
+        DrawnPdfPage page = drawer->draw(static_cast<std::size_t>(request.index));
+        if (page.end != DrawnPdfPage::End::drawn || !page.image) {
+            return WorkerLoop::done(static_cast<int>(page.end));
         }
         auto answer = loop.done(std::move(page.image));
         if (!answer) {

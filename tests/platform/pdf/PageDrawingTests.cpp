@@ -98,7 +98,7 @@ void check(const std::vector<Case>& cases) {
         const auto pdf = built(c);
         const auto result = PdfRendererMuPdf().render(pdf, std::nullopt);
         const RenderedPage& page = std::get<0>(result).at(0);
-        EXPECT_EQ(std::ranges::any_of(page.image->pixels(), isRed), c.shows) << c.what;
+        EXPECT_EQ(std::ranges::any_of(page.image->unpack()->pixels(), isRed), c.shows) << c.what;
         EXPECT_EQ(page.isComplete, c.isWhole) << c.what;
         EXPECT_EQ(showsInPoppler(pdf), c.shows == c.popplerAgrees) << c.what;
     }

@@ -9,7 +9,7 @@
 namespace murkwell {
 namespace {
 
-using End = DrawnPage::End;
+using End = DrawnPdfPage::End;
 
 // What a document does, a letter a page: '.' is drawn, '0' impossible, 's' stopped among others and
 // drawn alone, 'S' always stopped, 't' and 'T' the same by an exception, '!' damaged until
@@ -27,15 +27,15 @@ public:
 
     [[nodiscard]] std::size_t pageCount() const override { return pages.size(); }
 
-    [[nodiscard]] DrawnPage draw(std::size_t page) override {
+    [[nodiscard]] DrawnPdfPage draw(std::size_t page) override {
         switch (pages[page]) {
         case '0':
-            return {End::drawn, {}};
+            return {End::drawn};
         case '!':
-            return {End::repaired, {}};
+            return {End::repaired};
         case 's':
         case 'S':
-            return isAlone && pages[page] == 's' ? drawn(page) : DrawnPage{End::stopped, {}};
+            return isAlone && pages[page] == 's' ? drawn(page) : DrawnPdfPage{End::stopped};
         case 't':
         case 'T':
             if (!isAlone || pages[page] == 'T') {
@@ -49,8 +49,8 @@ public:
 
 private:
     // As wide as its number, so that one in another's place shows.
-    static DrawnPage drawn(std::size_t page) {
-        return {End::drawn, {Bitmap::create(static_cast<int>(page) + 1, 1)}};
+    static DrawnPdfPage drawn(std::size_t page) {
+        return {End::drawn, Bitmap::create(static_cast<int>(page) + 1, 1)};
     }
 
     std::string pages;
@@ -79,7 +79,7 @@ std::string outcome(const Script& script, std::size_t threads) {
     std::string text;
     for (const RenderedPage& page : *pages) {
         text += text.empty() ? "" : " ";
-        text += page.image ? std::to_string(page.image->width()) : "-";
+        text += page.image ? std::to_string(page.image->size().width) : "-";
     }
     return text;
 }

@@ -24,7 +24,7 @@ Pages render(std::span<const std::byte> pdf, std::size_t threads = 2) {
     }
     std::vector<BitmapRef> pages;
     for (const RenderedPage& page : *rendered) {
-        pages.push_back(page.image);
+        pages.push_back(page.image ? page.image->unpack() : nullptr);
     }
     return pages;
 }

@@ -151,7 +151,7 @@ TEST_F(CanvasOnScreen, ScreenReaderFindsABoxForEveryRedaction) {
 }
 
 TEST_F(CanvasOnScreen, ManyBoxesAndAWidePageAreShown) {
-    window.bench.engines.renderer.pages = {{plainBitmap(20000, 500)}};
+    window.bench.engines.renderer.pages = {{plainPage(20000, 500)}};
     window.openPdf();
     for (int i = 0; i < 5000; ++i) {
         model.addRedaction({0.0001 * i, 0, 0.01, 0.9});

@@ -247,7 +247,7 @@ TEST_F(Window, SidebarRepaintsOnlyRowsThatDiffer) {
     model.updateRedaction(*model.selectedID(), {0.3, 0.3, 0.2, 0.2});
     window.settle();
     EXPECT_EQ(repainted.size(), 1);
-    window.bench.engines.renderer.pages = std::vector<RenderedPage>(3, {plainBitmap(9, 9)});
+    window.bench.engines.renderer.pages = std::vector<RenderedPage>(3, {plainPage(9, 9)});
     window.openPdf(); // as many pages, others
     EXPECT_EQ(repainted.size(), 4);
 }
