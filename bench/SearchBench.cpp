@@ -60,7 +60,7 @@ BitmapRef setLetter() {
         builder.finish(builder.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(tree) + " >>"));
     const auto result = PdfRendererMuPdf().render(pdf, std::nullopt);
     const auto* const pages = std::get_if<std::vector<RenderedPage>>(&result);
-    return pages != nullptr && !pages->empty() ? pages->front().image : nullptr;
+    return pages != nullptr && !pages->empty() ? pages->front().image->unpack() : nullptr;
 }
 
 BitmapRef loadedPage(const char* file) {
