@@ -66,8 +66,9 @@ Jpeg2000Cost costOfCodestream(Bytes stream) {
 std::optional<Jpeg2000Cost> costOfJpeg2000(Bytes file) {
     std::optional<Jpeg2000Cost> dearest;
     for (auto rest = file;;) {
-        const auto found = std::ranges::search(rest, startOfCodestream);
-        const auto stream = rest.subspan(static_cast<std::size_t>(found.begin() - rest.begin()));
+        const auto found = std::search(rest.begin(), rest.end(), startOfCodestream.begin(),
+                                       startOfCodestream.end());
+        const auto stream = rest.subspan(static_cast<std::size_t>(found - rest.begin()));
         if (stream.size() < headerSize) {
             return dearest;
         }
