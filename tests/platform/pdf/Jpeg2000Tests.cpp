@@ -8,7 +8,7 @@
 namespace murkwell {
 namespace {
 
-std::string number(std::uint32_t value, int bytes) {
+std::string number(std::uint64_t value, int bytes) {
     std::string text;
     for (int i = bytes - 1; i >= 0; --i) {
         text += static_cast<char>(value >> 8 * i);
